@@ -1,0 +1,35 @@
+# A room is one folder of src/ambrelio with what it may know. Each is a library of its own, so that
+# a use that runs against the arrows of docs/architecture.md does not link; together they are
+# `ambrelio`.
+#
+#   ambrelio_room(<folder> [KNOWS <folder>...] [LINKS <library>...])
+function(ambrelio_room folder)
+  cmake_parse_arguments(ROOM "" "" "KNOWS;LINKS" ${ARGN})
+  string(REPLACE "/" "_" name "${folder}")
+  file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/ambrelio/${folder}/*.cpp")
+  add_library(room_${name} STATIC ${sources})
+  target_include_directories(room_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+  target_link_libraries(room_${name} PRIVATE $<BUILD_INTERFACE:ambrelio_warnings>
+                        PUBLIC ${ROOM_LINKS})
+  foreach(known IN LISTS ROOM_KNOWS)
+    string(REPLACE "/" "_" known_name "${known}")
+    target_link_libraries(room_${name} PUBLIC room_${known_name})
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY AMBRELIO_ROOMS room_${name})
+endfunction()
+
+# The tests of one room: every tests/<folder>/*_test.cpp, in one program named <room>_tests.
+#
+#   ambrelio_room_tests(<folder> [LINKS <library>...])
+function(ambrelio_room_tests folder)
+  cmake_parse_arguments(TESTS "" "" "LINKS" ${ARGN})
+  string(REPLACE "/" "_" name "${folder}")
+  file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp")
+  add_executable(${name}_tests ${sources})
+  target_include_directories(${name}_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name}_tests PRIVATE ambrelio_warnings ${TESTS_LINKS} GTest::gmock_main)
+  target_compile_definitions(${name}_tests PRIVATE
+    AMBRELIO_SOURCE_DIR="${PROJECT_SOURCE_DIR}" AMBRELIO_BINARY_DIR="${PROJECT_BINARY_DIR}")
+  gtest_discover_tests(${name}_tests TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
+                       PROPERTIES TIMEOUT 300)
+endfunction()

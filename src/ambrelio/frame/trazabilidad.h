@@ -1,0 +1,75 @@
+// The root of the object model: settings, the database, and the way to every other object.
+//
+// Its destruction closes the database for every object of the thread.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "ambrelio/data/session.h"
+#include "ambrelio/value/object.h"
+#include "ambrelio/value/variant.h"
+
+namespace ambrelio {
+
+class Deposito;
+class Tolva;
+class TvaInter;
+
+class Trazabilidad : public Object {
+ public:
+  explicit Trazabilidad(Session& session = Session::Current()) : session_(session) {}
+  ~Trazabilidad() override;
+  Trazabilidad(const Trazabilidad&) = delete;
+  Trazabilidad& operator=(const Trazabilidad&) = delete;
+  const char* ClassName() const override { return "Trazabilidad"; }
+
+  // Reads the settings of the host in folder `aPath`, opens the database and brings it up to its
+  // schema. Always Empty: ask BaseAbierta.
+  Variant Constructor(const std::string& path, bool vardex3, const Variant& info = {});
+  bool BaseAbierta() const { return session_.IsOpen(); }
+  int16_t MaximoTolvas() const { return session_.hopper_count; }
+  void Cerrar();
+  // Reads the settings again and opens the database anew.
+  void RecargaValores();
+  // Writes the six sensor settings.
+  void SalvarValores();
+
+  // A new object each time; null when the database is closed or there is no such number.
+  std::shared_ptr<ambrelio::TvaInter> TvaInter(int16_t tva);
+  std::shared_ptr<ambrelio::Tolva> Tolva(int16_t tva);
+  std::shared_ptr<ambrelio::Deposito> Deposito(int16_t dto);
+
+  // Sensor settings. Setting one neither writes the file nor restarts the sensor service.
+  const std::string& ObjetoActiveX() const { return sensor_object_; }
+  void SetObjetoActiveX(const std::string& value) { sensor_object_ = value; }
+  const std::string& PuertoUDP() const { return udp_port_; }
+  void SetPuertoUDP(const std::string& value) { udp_port_ = value; }
+  int32_t TimeOutUDP() const { return udp_timeout_; }
+  void SetTimeOutUDP(int32_t value) { udp_timeout_ = value; }
+  int32_t IntervaloPolling() const { return polling_interval_; }
+  void SetIntervaloPolling(int32_t value) { polling_interval_ = value; }
+  int32_t TiempoControlNivel() const { return level_check_time_; }
+  void SetTiempoControlNivel(int32_t value) { level_check_time_ = value; }
+  int32_t MargenControlNivel() const { return level_check_margin_; }
+  void SetMargenControlNivel(int32_t value) { level_check_margin_ = value; }
+
+  // Moves the share `qto` of the current discharge of hopper `org` into that of hopper `dno`; 0 or
+  // above 1 means all of it. False, with nothing written, when refused.
+  bool Trasegar(int16_t org, int16_t dno, double qto = 0);
+
+ private:
+  void LoadSensorSettings();
+
+  Session& session_;
+  std::string path_;
+  std::string sensor_object_;
+  std::string udp_port_;
+  int32_t udp_timeout_ = 0;
+  int32_t polling_interval_ = 0;
+  int32_t level_check_time_ = 0;
+  int32_t level_check_margin_ = 0;
+};
+
+}  // namespace ambrelio
