@@ -86,8 +86,8 @@ enum class DaoError : int {
   kTypeMismatchInCondition = 3464,
 };
 
-// Throws the AutomationError of `error`; `detail` (a name, a piece of SQL) is set into the sentence.
-// `source` is the class that failed, as "DAO.Database".
+// Throws the AutomationError of `error`; `detail` (a name, a piece of SQL) is set into the
+// sentence. `source` is the class that failed, as "DAO.Database".
 [[noreturn]] void Raise(DaoError error, const std::string& source, const std::string& detail = {});
 
 }  // namespace ambrelio::dao

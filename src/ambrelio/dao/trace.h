@@ -12,7 +12,8 @@
 
 namespace ambrelio::dao {
 
-// One statement; `sql` is the exact text. Transaction steps are no statements: they show in `level`.
+// One statement; `sql` is the exact text. Transaction steps are no statements: they show in
+// `level`.
 struct TraceEntry {
   std::string sql;
   std::optional<int32_t> affected;  // rows written, for Execute

@@ -1,6 +1,6 @@
 // The state that all objects of one client thread share: the database and whether it is open, the
-// engine, the counts of hoppers and tanks. Every object handed out holds a reference to its thread's
-// session and must not outlive the thread.
+// engine, the counts of hoppers and tanks. Every object handed out holds a reference to its
+// thread's session and must not outlive the thread.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// One discharge of a hopper. Every member reads the database; a discharge deleted meanwhile reads as
-// 0 kilograms and zero dates.
+// One discharge of a hopper. Every member reads the database; a discharge deleted meanwhile reads
+// as 0 kilograms and zero dates.
 #pragma once
 
 #include <cstdint>

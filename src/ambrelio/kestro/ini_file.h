@@ -1,9 +1,9 @@
 // A settings file: sections in brackets, key=value lines. Names compare without regard to case.
 //
-// Every read opens the file anew; nothing is cached. Files are Windows-1252 unless they start with a
-// UTF-8 or UTF-16 mark or are valid UTF-8. A write changes its own line only and keeps every other
-// byte, the encoding and the line ends; it is atomic (a reader sees the old file or the new one) and
-// makes the file when it is missing.
+// Every read opens the file anew; nothing is cached. Files are Windows-1252 unless they start with
+// a UTF-8 or UTF-16 mark or are valid UTF-8. A write changes its own line only and keeps every
+// other byte, the encoding and the line ends; it is atomic (a reader sees the old file or the new
+// one) and makes the file when it is missing.
 #pragma once
 
 #include <string>

@@ -1,7 +1,8 @@
 // A tank: its name and capacity table, its level readings and present state, the fractions of
 // discharges it holds, its emptyings and its history.
 //
-// Levels are whole numbers ten times finer than the bands of the capacity table; volumes are litres.
+// Levels are whole numbers ten times finer than the bands of the capacity table; volumes are
+// litres.
 #pragma once
 
 #include <cstdint>
@@ -27,8 +28,8 @@ class Deposito : public Object {
   // The name, "" when the tank has none; setting "" removes it.
   std::string Nombre();
   void SetNombre(const std::string& name);
-  // The capacity table: a list of rows (level, A0, A1, A2, A3) by level; Empty without rows. Setting
-  // replaces the whole table; anything but an array clears it.
+  // The capacity table: a list of rows (level, A0, A1, A2, A3) by level; Empty without rows.
+  // Setting replaces the whole table; anything but an array clears it.
   Variant Formula();
   void SetFormula(const Variant& rows);
   // Litres at a level: the cubic polynomial of the lowest band that reaches it; 0 above the last.
@@ -65,8 +66,8 @@ class Deposito : public Object {
   // --- history and composition (deposito.cpp)
   // A list of rows (moment, kind, number, code); see history.h. Empty for a tank never used.
   Variant Historial();
-  // The code of the last movement (0 never used, 1 discharge, 2 emptying, 3 reading); `hay` litres or
-  // Null, `niv` level or Null, `mmto` its moment (left alone for code 0).
+  // The code of the last movement (0 never used, 1 discharge, 2 emptying, 3 reading); `hay` litres
+  // or Null, `niv` level or Null, `mmto` its moment (left alone for code 0).
   int16_t UltimoMovimiento(Variant& hay, Variant& niv, OleDate& mmto);
   // The content by 1 member, 2 product, 3 municipality, 4 place, 5 mill line: a list of rows (key,
   // name, percentage, litres), or Empty.
@@ -76,8 +77,8 @@ class Deposito : public Object {
   // Multiplies all fractions of this tank by `k`, then resets every fraction below 0.0001, of any
   // tank, to 0.
   void EscalarFracciones(double k);
-  // Adds `amount` (signed) to the fraction of a discharge that tank `destination` holds; makes the row
-  // from this tank's when there is none.
+  // Adds `amount` (signed) to the fraction of a discharge that tank `destination` holds; makes the
+  // row from this tank's when there is none.
   void MoverFraccion(int16_t hopper, int32_t discharge, int16_t destination, double amount);
 
  private:

@@ -24,8 +24,8 @@ class Vaciado : public Object {
   int32_t Cliente();
   int32_t Transportista();
   std::string DestinoVenta();
-  // False, with nothing written, when the use is unknown, a sale lacks client or carrier, or another
-  // use has one.
+  // False, with nothing written, when the use is unknown, a sale lacks client or carrier, or
+  // another use has one.
   bool FijarUso(int16_t u, int32_t cli, int32_t trp, const std::string& dno);
   std::string Lote();
   void SetLote(const std::string& lot);

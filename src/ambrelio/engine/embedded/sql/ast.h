@@ -19,24 +19,41 @@ namespace ambrelio::embedded::sql {
 struct Query;
 
 enum class ExprKind : uint8_t {
-  kLiteral,   // literal
-  kColumn,    // [qualifier.]name
-  kNegate,    // -a
-  kNot,       // not a
-  kBinary,    // a op b
-  kBetween,   // a [not] between b and c
-  kIn,        // a [not] in (b, c, ...)
-  kInQuery,   // a [not] in (query)
-  kExists,    // [not] exists (query)
-  kScalar,    // (query), one column, its first row
-  kIsNull,    // a is [not] null
-  kCall,      // name(a, b, ...); count(*) is a call with `star`
+  kLiteral,  // literal
+  kColumn,   // [qualifier.]name
+  kNegate,   // -a
+  kNot,      // not a
+  kBinary,   // a op b
+  kBetween,  // a [not] between b and c
+  kIn,       // a [not] in (b, c, ...)
+  kInQuery,  // a [not] in (query)
+  kExists,   // [not] exists (query)
+  kScalar,   // (query), one column, its first row
+  kIsNull,   // a is [not] null
+  kCall,     // name(a, b, ...); count(*) is a call with `star`
 };
 
 enum class BinaryOp : uint8_t {
-  kAdd, kSubtract, kMultiply, kDivide, kIntDivide, kMod, kPower, kConcat,  // + - * / \ mod ^ &
-  kEqual, kNotEqual, kLess, kLessEqual, kGreater, kGreaterEqual, kLike,
-  kAnd, kOr, kXor, kEqv, kImp,
+  kAdd,
+  kSubtract,
+  kMultiply,
+  kDivide,
+  kIntDivide,
+  kMod,
+  kPower,
+  kConcat,  // + - * / \ mod ^ &
+  kEqual,
+  kNotEqual,
+  kLess,
+  kLessEqual,
+  kGreater,
+  kGreaterEqual,
+  kLike,
+  kAnd,
+  kOr,
+  kXor,
+  kEqv,
+  kImp,
 };
 
 struct Expr;
@@ -83,7 +100,7 @@ struct Source {
 };
 
 struct Select {
-  bool distinct = false;     // distinct and distinctrow alike keep this flag apart from each other
+  bool distinct = false;  // distinct and distinctrow alike keep this flag apart from each other
   bool distinct_row = false;
   std::optional<int64_t> top;  // part of the shape: never taken out as a literal
   bool top_percent = false;
@@ -131,7 +148,7 @@ struct Update {
 };
 
 struct Delete {
-  std::string target;         // of `delete t.* from ...`; "" when it is the only source
+  std::string target;  // of `delete t.* from ...`; "" when it is the only source
   std::vector<Source> from;
   ExprPtr where;
 };
