@@ -1,0 +1,20 @@
+# What `cmake --install` puts in place: the library with its headers, a package configuration for
+# CMake and pkg-config, and the command line.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS ambrelio EXPORT AmbrelioTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS ambrelio_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ambrelio DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE)
+
+set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Ambrelio)
+install(EXPORT AmbrelioTargets NAMESPACE Ambrelio:: DESTINATION ${config_folder})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/AmbrelioConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/AmbrelioConfig.cmake INSTALL_DESTINATION ${config_folder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/AmbrelioConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/AmbrelioConfig.cmake
+              ${PROJECT_BINARY_DIR}/AmbrelioConfigVersion.cmake DESTINATION ${config_folder})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/ambrelio.pc.in ${PROJECT_BINARY_DIR}/ambrelio.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ambrelio.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

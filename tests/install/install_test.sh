@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs into an empty folder, then builds and runs a small program against what is there, once by
+# CMake's package configuration and once by pkg-config, beside the installed command line.
+#
+# usage: install_test.sh BUILD_FOLDER SOURCE_FOLDER
+set -euo pipefail
+build=$1 source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
+export PATH=$work/prefix/bin:$PATH
+
+mkdir "$work/mill"
+cp "$source"/examples/campana/*.INI "$source"/examples/campana/*.ini "$work/mill"
+ambrelio create --app "$work/mill" --masters "$source/examples/campana"
+echo '{"let":"Deposito(1).Nombre","value":"Los Llanos"}' | ambrelio journal --app "$work/mill" - >/dev/null
+
+sanitize=$(sed -n 's/^AMBRELIO_SANITIZE:BOOL=//p' "$build/CMakeCache.txt")
+flags=()
+[[ $sanitize == ON ]] && flags=(-fsanitize=address,undefined)
+
+cmake -S "$source/tests/install" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
+  -DCMAKE_CXX_FLAGS="${flags[*]:-}" >/dev/null
+cmake --build "$work/build" >/dev/null
+[[ $("$work/build/program" "$work/mill") == "Los Llanos" ]]
+
+pc=$(dirname "$(find "$work/prefix" -name ambrelio.pc)")
+# shellcheck disable=SC2046 # the flags are words
+PKG_CONFIG_PATH=$pc c++ -std=c++20 "${flags[@]}" "$source/tests/install/program.cpp" -o "$work/program" \
+  $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs --static ambrelio)
+[[ $("$work/program" "$work/mill") == "Los Llanos" ]]
+echo "installed, built and ran"
