@@ -3,7 +3,9 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS ambrelio EXPORT AmbrelioTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS ambrelio_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(TARGET ambrelio_app)
+  install(TARGETS ambrelio_app RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ambrelio DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE)
 
