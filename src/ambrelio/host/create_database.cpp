@@ -1,5 +1,6 @@
 #include "ambrelio/host/create_database.h"
 
+#include <filesystem>
 #include <initializer_list>
 
 namespace ambrelio::host {
@@ -157,11 +158,18 @@ void AddHostTables(dao::Database& database) {
 void CreateMillDatabase(dao::DBEngine& engine, const std::string& path,
                         const std::string& password) {
   const auto database = engine.DefaultWorkspace().CreateDatabase(path, ";pwd=" + password);
-  AddHostTables(*database);
-  AddMovements(*database);
-  AddTanksAndReferents(*database);
-  AddShares(*database);
-  database->Close();
+  try {
+    AddHostTables(*database);
+    AddMovements(*database);
+    AddTanksAndReferents(*database);
+    AddShares(*database);
+    database->Close();
+  } catch (...) {
+    // Half a database is worse than none.
+    database->Close();
+    std::filesystem::remove(path);
+    throw;
+  }
 }
 
 }  // namespace ambrelio::host
