@@ -35,8 +35,7 @@ function(ambrelio_room_tests folder)
   add_executable(${name}_tests ${sources})
   target_include_directories(${name}_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name}_tests PRIVATE ambrelio_warnings ${TESTS_LINKS} GTest::gmock_main)
-  target_compile_definitions(${name}_tests PRIVATE
-    AMBRELIO_SOURCE_DIR="${PROJECT_SOURCE_DIR}" AMBRELIO_BINARY_DIR="${PROJECT_BINARY_DIR}")
+  target_compile_definitions(${name}_tests PRIVATE AMBRELIO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   gtest_discover_tests(${name}_tests TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300)
 endfunction()

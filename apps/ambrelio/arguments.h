@@ -14,9 +14,9 @@ namespace ambrelio::cli {
 automation::Arguments PrepareArguments(const automation::Member& member,
                                        automation::Arguments arguments);
 
-// An argument as it is typed at the shell: "-" leaves it out, numbers have a point, dates also stand
-// alone (YYYY-MM-DD) or with a T; lists and quoted text are JSON. Where text is wanted, all else is
-// text as it stands. Raises Failure (wrong input) for malformed JSON.
+// An argument as it is typed at the shell: "-" leaves it out, numbers have a point, dates also
+// stand alone (YYYY-MM-DD) or with a T; lists and quoted text are JSON. Where text is wanted, all
+// else is text as it stands. Raises Failure (wrong input) for malformed JSON.
 std::optional<Variant> ParseArgument(std::string_view text, automation::ValueType wanted);
 
 }  // namespace ambrelio::cli

@@ -42,11 +42,10 @@ Json ObjectToJson(const Variant::ObjectPtr& object) {
 // Whole numbers of 32 bits are a Long, all others a Double.
 Variant NumberToVariant(const Json& json) {
   using Limits = std::numeric_limits<int32_t>;
-  const bool is_long =
-      json.is_number_unsigned()
-          ? json.get<uint64_t>() <= static_cast<uint64_t>(Limits::max())
-          : json.is_number_integer() && json.get<int64_t>() >= Limits::min() &&
-                json.get<int64_t>() <= Limits::max();
+  const bool is_long = json.is_number_unsigned()
+                           ? json.get<uint64_t>() <= static_cast<uint64_t>(Limits::max())
+                           : json.is_number_integer() && json.get<int64_t>() >= Limits::min() &&
+                                 json.get<int64_t>() <= Limits::max();
   if (is_long) return json.get<int32_t>();
   return json.get<double>();
 }

@@ -11,9 +11,8 @@ namespace {
 
 std::string_view FirstWord(std::string_view sql) {
   const auto is_letter = [](char c) { return AsciiLower(c) >= 'a' && AsciiLower(c) <= 'z'; };
-  const auto start = std::find_if(sql.begin(), sql.end(), [](char c) {
-    return !IsBlank(c) && c != '\n' && c != '\r';
-  });
+  const auto start = std::find_if(sql.begin(), sql.end(),
+                                  [](char c) { return !IsBlank(c) && c != '\n' && c != '\r'; });
   return {start, std::find_if_not(start, sql.end(), is_letter)};
 }
 

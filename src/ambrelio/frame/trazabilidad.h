@@ -60,7 +60,10 @@ class Trazabilidad : public Object {
   bool Trasegar(int16_t org, int16_t dno, double qto = 0);
 
  private:
+  void OpenConfiguredDatabase();
   void LoadSensorSettings();
+  // Whether the factories hand out object `number` of `count`.
+  bool HandsOut(int16_t number, int16_t count) const;
 
   Session& session_;
   std::string path_;

@@ -42,6 +42,13 @@ class Tolva : public Object {
   Variant Composicion(int16_t clase);
 
  private:
+  // Writes the end, tank, mill line and fraction of an open discharge.
+  void Close(int32_t discharge, int16_t tank, int16_t mill_line, double fraction);
+  // Inserts an open discharge, started now. False when no row was written.
+  bool OpenNext(int32_t discharge);
+  // Whether the tank was emptied later than `moment`.
+  bool EmptiedSince(int16_t tank, OleDate moment);
+
   Session& session_;
   int16_t hopper_;
 };

@@ -20,10 +20,13 @@ class IniFile {
   void SetFile(std::string path) { path_ = std::move(path); }
   void SetSection(std::string section) { section_ = std::move(section); }
 
-  // The value without outer blanks, "" when the file, the section or the key is missing. The first
-  // of several equal keys counts.
+  // The value without outer blanks and then without one pair of outer quotation marks, "" when the
+  // file, the section or the key is missing. The first of several equal keys counts.
   std::string Read(std::string_view key) const;
-  // 75 (path/file access error) when the file cannot be written; the old file is then untouched.
+  // Read gives exactly `value` afterwards, so one that begins or ends with blanks is put in
+  // quotation marks. 5 (invalid call) when a name or the value does not fit in a line of the file
+  // or in its encoding; 75 (path/file access error) when the file cannot be read or written. The
+  // old file is then untouched.
   void Write(std::string_view key, std::string_view value) const;
 
  private:

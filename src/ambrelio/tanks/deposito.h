@@ -36,8 +36,8 @@ class Deposito : public Object {
   double Capacidad(int32_t h);
 
   // --- level readings (deposito_niveles.cpp)
-  // Records a reading; no date means now. Litres are taken as given when positive, else from the
-  // capacity table. False, with nothing written, when refused.
+  // Records a reading; anything but a date means now. Litres are taken as given when positive, else
+  // from the capacity table. False, with nothing written, when refused.
   bool EntradaNivel(const Variant& mmt = {}, int32_t nivel = 0, double litrs = 0);
   // Sets the density of reading `itm`, or of the last one when 0.
   bool EntradaDensidad(double dens, int32_t itm = 0);
@@ -88,9 +88,11 @@ class Deposito : public Object {
     int16_t code = 0;
     double litres = 0;
     int32_t level = 0;
-    std::optional<OleDate> moment;
+    OleDate moment;  // without meaning for code 0
   };
   State EstadoActual();
+  // Adds to `state` what emptyings brought or took after its reading.
+  void CountEmptyingsSince(OleDate reading, State& state);
   int32_t UltimoItem();
   OleDate MomentoUltimoVaciado();
 
@@ -101,6 +103,20 @@ class Deposito : public Object {
   };
   LastEmptying UltimoVaciadoDatos();
   int32_t SiguienteVaciado();
+
+  // The steps of NuevoVaciado; False when no row was written.
+  bool InsertEmptying(int32_t number, OleDate moment, double quantity, int16_t destination,
+                      const std::string& use_values);
+  bool InsertSnapshot(int32_t number);
+  // Takes a share of every positive fraction out of this tank, into `destination` unless it is 0.
+  void TakeOut(double share, int16_t destination);
+
+  // The steps of DeshacerVaciado. Whether the hopper of the latest discharge into this tank opened
+  // its current discharge after `moment`.
+  bool DischargedSince(OleDate moment);
+  // Sets the fractions back to the snapshot that the condition `emptying` selects. False when the
+  // tank no longer has the row of one.
+  bool GiveBack(const std::string& emptying, int16_t destination);
 
   std::string TankText() const;
 

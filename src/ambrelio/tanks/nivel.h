@@ -21,7 +21,8 @@ class Nivel : public Object {
   // The zero date when the reading no longer exists.
   OleDate Momento();
   // Moves the reading, only strictly between its neighbouring events; otherwise nothing happens.
-  // Afterwards this object's level reads the new day number and its moment stays the old one.
+  // Of what this object has already read, the moment stays the old one and the level becomes the
+  // new day number.
   void SetMomento(OleDate moment);
   // The moments of the neighbouring events, Null where there is none. False when the reading is not
   // in the history.

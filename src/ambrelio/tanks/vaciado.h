@@ -24,8 +24,8 @@ class Vaciado : public Object {
   int32_t Cliente();
   int32_t Transportista();
   std::string DestinoVenta();
-  // False, with nothing written, when the use is unknown, a sale lacks client or carrier, or
-  // another use has one.
+  // False, with nothing written, when the use is unknown, a sale lacks client or carrier (0), or
+  // another use has one (above 0).
   bool FijarUso(int16_t u, int32_t cli, int32_t trp, const std::string& dno);
   std::string Lote();
   void SetLote(const std::string& lot);
@@ -34,7 +34,8 @@ class Vaciado : public Object {
   OleDate Momento();
   // Moves the emptying, only strictly between its neighbouring events; otherwise nothing happens.
   void SetMomento(OleDate moment);
-  // The moments between which the emptying may be moved, in both tanks it touches.
+  // The moments between which the emptying may be moved, in both tanks it touches; Null where the
+  // emptied tank has no event on that side. False when it is missing from a tank's history.
   bool GetCotasMomento(Variant& mmt1, Variant& mmt2);
   // The receiving tank, 0 when the oil left the mill.
   int16_t Destino();

@@ -35,6 +35,7 @@ enum class RuntimeError : int {
   kSubscriptOutOfRange = 9,
   kDivisionByZero = 11,
   kTypeMismatch = 13,
+  kPathFileAccess = 75,
   kObjectNotSet = 91,
   kInvalidUseOfNull = 94,
   kObjectRequired = 424,

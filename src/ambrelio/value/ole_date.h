@@ -38,7 +38,8 @@ class OleDate {
   static std::optional<OleDate> FromIso(std::string_view text);
 
   constexpr double days() const { return days_; }
-  // The calendar parts, rounded to the nearest second.
+  // The calendar parts, rounded to the nearest second. This and what follows raise 6 (overflow)
+  // outside the years 100 to 9999.
   CivilTime Civil() const;
   // "YYYY-MM-DD HH:MM:SS".
   std::string Iso() const;

@@ -50,19 +50,19 @@ class Variant {
   static Variant Nothing() { return Variant(ObjectPtr()); }
 
   // Implicit from exactly the types below and from nothing that would have to be converted.
+  // NOLINTBEGIN(google-explicit-constructor)
   template <class T>
   requires(std::same_as<T, bool> || std::same_as<T, uint8_t> || std::same_as<T, int16_t> ||
            std::same_as<T, int32_t> || std::same_as<T, float> || std::same_as<T, double> ||
            std::same_as<T, Currency> || std::same_as<T, OleDate> || std::same_as<T, std::string> ||
            std::same_as<T, Array>) Variant(T value)
-      : value_(std::move(value)) {}                         // NOLINT(google-explicit-constructor)
-  Variant(const char* text) : value_(std::string(text)) {}  // NOLINT(google-explicit-constructor)
-  Variant(std::string_view text)                            // NOLINT(google-explicit-constructor)
-      : value_(std::string(text)) {}
+      : value_(std::move(value)) {}
+  Variant(const char* text) : value_(std::string(text)) {}
+  Variant(std::string_view text) : value_(std::string(text)) {}
   template <class T>
-  requires std::derived_from<T, Object> Variant(
-      std::shared_ptr<T> object)  // NOLINT(google-explicit-constructor)
+  requires std::derived_from<T, Object> Variant(std::shared_ptr<T> object)
       : value_(ObjectPtr(std::move(object))) {}
+  // NOLINTEND(google-explicit-constructor)
 
   VariantType type() const { return static_cast<VariantType>(value_.index()); }
   bool is_empty() const { return type() == VariantType::kEmpty; }

@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,13 +42,16 @@ class StorageStatement {
 
 class Storage {
  public:
-  enum class Access : uint8_t { kShared, kReadOnly, kExclusive };
+  enum class Access : uint8_t { kShared, kReadOnly, kExclusive, kExclusiveReadOnly };
 
-  // Opens an existing file: 3024 missing, 3044 no such folder, 3343 not a database, 3049 damaged,
-  // 3051 not permitted, 3045 or 3356 held by others.
+  // Opens an existing file: 3005 no name, 3024 missing, 3044 no such folder, 3343 not a database of
+  // this engine, 3049 damaged, 3051 not permitted, 3045 held by others. A file that may not be
+  // written is opened for reading.
   static std::unique_ptr<Storage> Open(const std::string& path, Access access);
-  // Makes a new file with an empty catalogue; 3204 when it exists.
-  static std::unique_ptr<Storage> Create(const std::string& path);
+  // Makes a new file with an empty catalogue and opens it; 3204 when it exists. The file appears
+  // under its name only once it is complete, with what `fill` wrote into it.
+  static std::unique_ptr<Storage> Create(const std::string& path,
+                                         const std::function<void(Storage&)>& fill = {});
   ~Storage();
   Storage(const Storage&) = delete;
   Storage& operator=(const Storage&) = delete;
@@ -63,7 +67,12 @@ class Storage {
 
   // Transaction levels, 0 when none is open. Level 1 takes the write lock (3218 when another
   // process keeps it for longer than two seconds), the others are savepoints.
+  //
+  // A full disk or a failing one can undo the whole transaction at once. The levels stay until each
+  // is rolled back; until then every write and every commit raises 3034, so that nothing is stored
+  // that its caller takes for a part of the transaction.
   int level() const { return level_; }
+  bool transaction_lost() const;
   void Begin();
   void Commit();
   void Rollback();
@@ -71,15 +80,28 @@ class Storage {
 
   // Whether another connection has committed anything since the last call.
   bool ChangedByOthers();
+  // How often this connection has rolled back, savepoints included; for whoever keeps something in
+  // memory that a rollback makes untrue.
+  int64_t rollbacks() const { return rollbacks_; }
 
  private:
-  Storage(sqlite3* db, std::string path, bool read_only);
+  Storage(const std::string& path, int flags);
+  void Configure(Access access);
+
   sqlite3* db_ = nullptr;
   std::string path_;
   bool read_only_ = false;
   int level_ = 0;
+  bool committing_ = false;
+  int64_t rollbacks_ = 0;
   int64_t data_version_ = -1;
+  std::unique_ptr<StorageStatement> data_version_query_;
 };
+
+// The rules of a column stand in its storage table as named checks, `<rule>:<field>`; a broken one
+// is told apart by its name. A column of a key refuses Null by `not null`.
+inline constexpr std::string_view kRequiredRule = "required";       // 3314
+inline constexpr std::string_view kZeroLengthRule = "zero length";  // 3315
 
 // An error of SQLite as an AutomationError: `code` is the extended result code. An error raised by
 // one of the registered functions comes out as it was raised.

@@ -75,7 +75,12 @@ struct Expr {
   std::vector<ExprPtr> args;
   std::unique_ptr<Query> query;  // kInQuery, kExists, kScalar
   int offset = 0;                // where it starts in the text, for error messages
+  int height = 1;                // levels of tree from here down, the queries inside included;
+                                 // the parser lets none exceed kMaxHeight
 };
+
+// Deep enough for every real statement, and for every recursion over a tree to be safe.
+inline constexpr int kMaxHeight = 500;
 
 // One entry of a select list: `*`, `qualifier.*`, or an expression with an optional alias.
 struct SelectItem {
@@ -126,6 +131,7 @@ struct Query {
   std::unique_ptr<Query> right;
   bool union_all = false;
   std::vector<OrderItem> order_by;
+  int height = 1;  // as Expr::height; not kept for the operands of a union
 };
 
 struct Insert {

@@ -21,6 +21,7 @@ struct Token {
   TokenKind kind = TokenKind::kEnd;
   std::string text;  // word, name or symbol as written, without the quotes of a name
   Variant value;     // kLiteral
+  int slot = -1;     // kLiteral: its place in Shape::literals, -1 when it stays in the key
   int offset = 0;    // in bytes from the start of the statement
 };
 

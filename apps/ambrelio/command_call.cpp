@@ -1,0 +1,90 @@
+#include <memory>
+
+#include "ambrelio/value/automation_error.h"
+#include "arguments.h"
+#include "call_report.h"
+#include "commands.h"
+#include "journal.h"
+
+namespace ambrelio::cli {
+namespace {
+
+constexpr char kDescription[] = R"help(Calls one member of the object model and prints what it gives.
+
+Examples:
+  ambrelio call --app mill "Deposito(3).Composicion" 1
+  ambrelio call --app mill "Deposito(3).Historial" --json
+  ambrelio call --app mill "Tolva(2).Descargar" 3 1 0.6
+  ambrelio call --app mill "Deposito(3).EntradaNivel" "2025-11-03 12:00:00" - 1500
+  ambrelio call --app mill "Deposito(3).NuevoVaciado" 0 500 - '[2,"L-1",7,3,"Jaén"]'
+
+Arguments are numbers with a point, text, dates (YYYY-MM-DD HH:MM:SS), - for one
+that is left out, and lists or quoted text in JSON. They may also stand in the
+path: "Tolva(2).Descargar(3, 1, 0.6)". Write -- before text that starts with -.
+)help";
+
+struct CallOptions {
+  MillOptions mill;
+  std::string path;
+  std::vector<std::string> arguments;
+  bool json = false;
+};
+
+automation::Path ParseCallPath(const std::string& text) {
+  try {
+    return automation::ParsePath(text);
+  } catch (const automation::PathError& error) {
+    throw Failure(ExitCode::kWrongInput, error.what());
+  }
+}
+
+automation::Arguments ParseArguments(const automation::Member& member,
+                                     const std::vector<std::string>& texts) {
+  automation::Arguments arguments;
+  for (size_t i = 0; i < texts.size(); ++i) {
+    const auto wanted =
+        i < member.arguments.size() ? member.arguments[i].type : automation::ValueType::kVariant;
+    arguments.push_back(ParseArgument(texts[i], wanted));
+  }
+  return arguments;
+}
+
+std::string CallText(Mill& mill, const automation::Path& path, const CallOptions& options) {
+  const auto owner = automation::Owner(mill.root(), path);
+  const auto& member = automation::MemberOf(*owner, path.back().name, automation::Access::kCall);
+  const CallLine call = MakeCall(path, ParseArguments(member, options.arguments));
+  const auto result = automation::Call(*owner, member, PrepareArguments(member, call.arguments));
+  if (options.json) return JsonLine(CallJson(result)) + '\n';
+  return CallReport(owner->ClassName(), member, result);
+}
+
+void RunCall(const CallOptions& options, Context& context) {
+  const automation::Path path = ParseCallPath(options.path);
+  TraceFile trace(context.trace_path);
+  {
+    Mill mill(options.mill, trace);
+    try {
+      Write(context.console, CallText(mill, path, options));
+    } catch (const AutomationError& error) {
+      if (options.json) Write(context.console, JsonLine(ErrorJson(error)) + '\n');
+      throw;
+    }
+  }
+  Flush(context.console);
+  trace.Close();
+}
+
+}  // namespace
+
+void AddCall(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("call", kDescription);
+  auto options = std::make_shared<CallOptions>();
+  AddMillOptions(*command, options->mill)->required();
+  command->add_option("PATH", options->path, "The member, as Deposito(3).Nivel(4).Litros")
+      ->required();
+  command->add_option("ARG", options->arguments, "Its arguments")->allow_extra_args(false);
+  command->add_flag("--json", options->json, "Print one line of JSON, as journal does");
+  command->callback([options, &context] { RunCall(*options, context); });
+}
+
+}  // namespace ambrelio::cli

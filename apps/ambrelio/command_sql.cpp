@@ -1,0 +1,132 @@
+#include <fmt/format.h>
+
+#include <memory>
+
+#include "commands.h"
+#include "statement.h"
+#include "table.h"
+
+namespace ambrelio::cli {
+namespace {
+
+constexpr char kDescription[] = R"help(Runs one SQL statement on a database.
+
+Examples:
+  ambrelio sql --app mill "select * from Depositos"
+  ambrelio sql oliva.mdb "select TOLVA, sum(PARCIALPESO) from PESADA group by TOLVA" --csv
+  ambrelio sql oliva.mdb --password secreta "update SOCIO set NOMSOC='Ana' where CODSOC=7"
+
+A select, a union, or the name of a table or stored query gives its rows; an
+action query the number of rows it changed. The database is opened as it is,
+without bringing it up to the library's schema.
+)help";
+
+struct SqlOptions {
+  MillOptions mill;
+  std::vector<std::string> positional;  // [FILE] STATEMENT
+  std::string password;
+  bool json = false;
+  bool csv = false;
+};
+
+// As RFC 4180: quoted when the text needs it, and "" for a text without characters, which is not
+// Null.
+std::string CsvField(const Variant& value) {
+  if (value.is_null() || value.is_empty()) return "";
+  const Table::Cell cell = CellOf(value);
+  const std::string text = value.is_text() ? value.as<std::string>() : cell.text;
+  if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    quoted += c;
+    if (c == '"') quoted += c;
+  }
+  return quoted + '"';
+}
+
+std::string CsvLine(const std::vector<Variant>& values) {
+  std::string line;
+  for (size_t i = 0; i < values.size(); ++i) line += (i > 0 ? "," : "") + CsvField(values[i]);
+  return line + "\r\n";
+}
+
+void WriteCsv(Console& console, const StatementResult& result) {
+  if (!result.has_rows) {
+    Write(console, CsvLine({"affected"}) + CsvLine({result.affected}));
+    return;
+  }
+  Write(console, CsvLine({result.columns.begin(), result.columns.end()}));
+  for (const std::vector<Variant>& row : result.rows) Write(console, CsvLine(row));
+}
+
+void WriteTable(Console& console, const StatementResult& result) {
+  if (!result.has_rows) {
+    Write(console, fmt::format("Filas afectadas: {}\n", result.affected));
+    return;
+  }
+  Table table(result.columns);
+  for (const std::vector<Variant>& row : result.rows) {
+    std::vector<Table::Cell> cells;
+    for (const Variant& value : row) cells.push_back(CellOf(value));
+    table.AddRow(std::move(cells));
+  }
+  Write(console, table.Text());
+}
+
+frame::DatabaseSettings WhichDatabase(Session& session, const SqlOptions& options) {
+  if (!options.mill.app.empty()) return ReadSettings(session, options.mill);
+  return {options.positional.front(), options.password};
+}
+
+void CheckPositional(const SqlOptions& options) {
+  const bool has_app = !options.mill.app.empty();
+  const size_t expected = has_app ? 1 : 2;
+  if (options.positional.size() != expected) {
+    throw Failure(ExitCode::kWrongInput, has_app ? "with --app, one statement is expected"
+                                                 : "a database and one statement are expected");
+  }
+  if (has_app && !options.password.empty()) {
+    throw Failure(ExitCode::kWrongInput, "--password goes with a database file, not with --app");
+  }
+}
+
+void RunSql(const SqlOptions& options, Context& context) {
+  CheckPositional(options);
+  TraceFile trace(context.trace_path);
+  Session session;
+  session.UseEngine(trace.MakeEngine());
+  const auto database = OpenDatabase(session, WhichDatabase(session, options));
+  const StatementResult result = RunStatement(*database, options.positional.back());
+  database->Close();
+  if (options.json) {
+    Write(context.console, JsonLine(StatementJson(result)) + '\n');
+  } else if (options.csv) {
+    WriteCsv(context.console, result);
+  } else {
+    WriteTable(context.console, result);
+  }
+  Flush(context.console);
+  trace.Close();
+}
+
+}  // namespace
+
+void AddSql(CLI::App& app, Context& context) {
+  CLI::App* command = app.add_subcommand("sql", kDescription);
+  auto options = std::make_shared<SqlOptions>();
+  AddMillOptions(*command, options->mill);
+  command
+      ->add_option("SQL", options->positional,
+                   "The database file, unless --app names a mill, and the statement")
+      ->required()
+      ->expected(1, 2)
+      ->allow_extra_args(false);
+  command->add_option("--password", options->password, "Password of FILE");
+  auto* json =
+      command->add_flag("--json", options->json, "Print one line of JSON, as journal does");
+  command->add_flag("--csv", options->csv, "Print comma-separated values with a line of names")
+      ->excludes(json);
+  command->callback([options, &context] { RunSql(*options, context); });
+}
+
+}  // namespace ambrelio::cli

@@ -1,0 +1,28 @@
+// The subcommands. Each declares its options on the parser and, when it is the one given, runs.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "console.h"
+#include "failure.h"
+#include "mill.h"
+
+namespace ambrelio::cli {
+
+// What the subcommands share; it outlives the parsing.
+struct Context {
+  Console& console;
+  std::string trace_path{};  // "" for no trace
+  ExitCode exit_code = ExitCode::kSuccess;
+};
+
+void AddCreate(CLI::App& app, Context& context);
+void AddJournal(CLI::App& app, Context& context);
+void AddCall(CLI::App& app, Context& context);
+void AddSql(CLI::App& app, Context& context);
+
+// Declares --app and --vardex3.
+CLI::Option* AddMillOptions(CLI::App& command, MillOptions& options);
+
+}  // namespace ambrelio::cli

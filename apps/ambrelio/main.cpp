@@ -1,0 +1,18 @@
+#include <csignal>
+#include <iostream>
+
+#include "ambrelio/platform/terminal.h"
+#include "run.h"
+
+int main(int argc, char** argv) {
+#ifdef SIGPIPE
+  // A reader that goes away shows as a write that fails, which is reported like a full disk.
+  std::signal(SIGPIPE, SIG_IGN);
+#endif
+  std::ios::sync_with_stdio(false);
+  std::cin.tie(nullptr);
+  ambrelio::cli::Console console{
+      std::cin, std::cout, std::cerr,
+      ambrelio::ErrorOutputIsTerminal() && !ambrelio::OutputIsTerminal()};
+  return static_cast<int>(ambrelio::cli::Run({argv + 1, argv + argc}, console));
+}

@@ -1,0 +1,78 @@
+#include "mill.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "ambrelio/dao/trace.h"
+#include "ambrelio/engine/engine.h"
+#include "ambrelio/platform/file_path.h"
+#include "ambrelio/value/automation_error.h"
+#include "failure.h"
+
+namespace ambrelio::cli {
+namespace {
+
+[[noreturn]] void FailTrace(const std::string& path) {
+  throw Failure(ExitCode::kFileProblem, "the trace file '" + path + "' cannot be written: " +
+                                            std::generic_category().message(errno));
+}
+
+}  // namespace
+
+TraceFile::TraceFile(const std::string& path) : path_(path) {
+  if (path.empty()) return;
+  file_ = std::make_shared<std::ofstream>(FilePath(path), std::ios::binary);
+  if (!*file_) FailTrace(path);
+}
+
+std::shared_ptr<dao::DBEngine> TraceFile::MakeEngine() {
+  std::shared_ptr<dao::DBEngine> engine = engine::Create();
+  if (file_ == nullptr) return engine;
+  return dao::Traced(std::move(engine), [file = file_](const dao::TraceEntry& entry) {
+    *file << dao::TraceLine(entry) << '\n';
+  });
+}
+
+void TraceFile::Close() {
+  if (file_ == nullptr) return;
+  file_->close();
+  if (!*file_) FailTrace(path_);
+}
+
+frame::DatabaseSettings ReadSettings(Session& session, const MillOptions& options) {
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(FilePath(options.app), ignored)) {
+    throw Failure(ExitCode::kFileProblem,
+                  "the application folder '" + options.app + "' does not exist");
+  }
+  session.vardex3 = options.vardex3;
+  return frame::LoadGeneralSettings(session, options.app);
+}
+
+std::shared_ptr<dao::Database> OpenDatabase(Session& session,
+                                            const frame::DatabaseSettings& settings) {
+  try {
+    return session.Workspace().OpenDatabase(settings.path, /*exclusive=*/false,
+                                            /*read_only=*/false, ";pwd=" + settings.password);
+  } catch (const AutomationError& error) {
+    throw Failure(ExitCode::kFileProblem,
+                  "the database '" + settings.path + "' cannot be opened: error " +
+                      std::to_string(error.number()) + ": " + error.description());
+  }
+}
+
+Mill::Mill(const MillOptions& options, TraceFile& trace) {
+  session_.UseEngine(trace.MakeEngine());
+  const frame::DatabaseSettings settings = ReadSettings(session_, options);
+  root_ = std::make_shared<Trazabilidad>(session_);
+  root_->Constructor(options.app, options.vardex3);
+  if (root_->BaseAbierta()) return;
+  // The library keeps no reason. Opening once more gives the engine's; if that succeeds, whatever
+  // stood in the way has just gone.
+  OpenDatabase(session_, settings)->Close();
+  throw Failure(ExitCode::kFileProblem, "the database '" + settings.path +
+                                            "' could not be opened; it can be now: try again");
+}
+
+}  // namespace ambrelio::cli

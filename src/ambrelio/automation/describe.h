@@ -1,0 +1,16 @@
+// The object model as a document.
+#pragma once
+
+#include <string>
+
+#include "ambrelio/automation/model.h"
+
+namespace ambrelio::automation {
+
+// As in Visual Basic: "Descargar(dto As Integer, mol As Integer, [qto As Double]) As Boolean".
+std::string DescribeMember(const Member& member);
+
+// Every class and member in Markdown: a heading and a table for each class.
+std::string DescribeModel();
+
+}  // namespace ambrelio::automation

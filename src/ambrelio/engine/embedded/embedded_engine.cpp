@@ -1,0 +1,22 @@
+#include "ambrelio/engine/embedded/embedded_engine.h"
+
+#include "ambrelio/engine/embedded/workspace.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+class EmbeddedEngine final : public dao::DBEngine {
+ public:
+  // The version of DAO whose behaviour clients find here.
+  std::string Version() const override { return "3.6"; }
+  dao::Workspace& DefaultWorkspace() override { return workspace_; }
+
+ private:
+  Workspace workspace_;
+};
+
+}  // namespace
+
+std::shared_ptr<dao::DBEngine> CreateEngine() { return std::make_shared<EmbeddedEngine>(); }
+
+}  // namespace ambrelio::embedded

@@ -1,0 +1,262 @@
+#include "ambrelio/automation/model.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "ambrelio/automation/call.h"
+#include "ambrelio/automation/describe.h"
+#include "ambrelio/hoppers/tolva.h"
+#include "ambrelio/tanks/deposito.h"
+#include "support/mill.h"
+
+namespace ambrelio::automation {
+namespace {
+
+using testing::ElementsAre;
+
+// "1 Name" for each member, get and let of a property once.
+std::vector<std::string> Order(const char* class_name) {
+  std::vector<std::string> order;
+  for (const Member& member : FindClass(class_name)->members) {
+    const std::string entry = std::to_string(member.dispid) + " " + member.name;
+    if (order.empty() || order.back() != entry) order.push_back(entry);
+  }
+  return order;
+}
+
+TEST(Model, HasTheClassesInTheirOrder) {
+  std::vector<std::string> names;
+  for (const Class& c : Model()) names.emplace_back(c.name);
+  EXPECT_THAT(names, ElementsAre("Trazabilidad", "Tolva", "Descarga", "TvaInter", "Deposito",
+                                 "Nivel", "Vaciado"));
+}
+
+TEST(Model, OnlyTheRootIsCreatableAndTheApplicationObject) {
+  for (const Class& c : Model()) {
+    const bool root = std::string_view(c.name) == "Trazabilidad";
+    EXPECT_EQ(c.creatable, root) << c.name;
+    EXPECT_EQ(c.application_object, root) << c.name;
+  }
+}
+
+// The numbers are published: scripts compiled against the type library hold them.
+TEST(Model, RootMembersKeepTheirNumbers) {
+  EXPECT_THAT(
+      Order("Trazabilidad"),
+      ElementsAre("1 Constructor", "2 BaseAbierta", "3 MaximoTolvas", "4 Cerrar",
+                  "5 RecargaValores", "6 SalvarValores", "7 TvaInter", "8 Tolva", "9 Deposito",
+                  "18 ObjetoActiveX", "19 PuertoUDP", "20 TimeOutUDP", "21 IntervaloPolling",
+                  "22 TiempoControlNivel", "23 MargenControlNivel", "24 Trasegar"));
+}
+
+TEST(Model, HopperMembersKeepTheirNumbers) {
+  EXPECT_THAT(Order("Tolva"),
+              ElementsAre("1 MomentoInicio", "2 DescargaEnCurso", "3 Descargar", "4 RestaurarCarga",
+                          "5 Descarga", "6 Partidas", "7 Acumulado", "8 Composicion"));
+  EXPECT_THAT(Order("Descarga"), ElementsAre("1 Tolva", "2 Codigo", "3 Kilos", "4 MomentoDesde",
+                                             "5 MomentoHasta", "6 Composicion"));
+  EXPECT_THAT(Order("TvaInter"), ElementsAre("1 DescargarEn", "2 Partidas", "3 Acumulado"));
+}
+
+TEST(Model, TankMembersKeepTheirNumbers) {
+  EXPECT_THAT(
+      Order("Deposito"),
+      ElementsAre("1 Nombre", "2 Formula", "3 Capacidad", "4 EntradaNivel", "5 EntradaDensidad",
+                  "6 EliminarUltimoNivel", "7 NivelActual", "8 LitrosActual", "9 KilosActual",
+                  "10 Nivel", "11 NuevoVaciado", "12 DeshacerVaciado", "13 Vaciado",
+                  "14 UltimoVaciado", "15 Historial", "16 UltimoMovimiento", "17 Composicion"));
+  EXPECT_THAT(Order("Nivel"), ElementsAre("1 Deposito", "2 Codigo", "3 Momento",
+                                          "4 GetCotasMomento", "5 Nivel", "6 Litros"));
+  EXPECT_THAT(Order("Vaciado"),
+              ElementsAre("1 Deposito", "2 Codigo", "3 Uso", "4 Cliente", "5 Transportista",
+                          "6 DestinoVenta", "7 fijarUso", "8 Lote", "9 Litros", "10 Momento",
+                          "11 GetCotasMomento", "12 Destino", "13 Composicion"));
+}
+
+TEST(Model, NumbersRiseAndOnlyAPropertySharesOne) {
+  for (const Class& c : Model()) {
+    for (size_t i = 1; i < c.members.size(); ++i) {
+      const Member& before = c.members[i - 1];
+      const Member& member = c.members[i];
+      const bool pair = before.kind == MemberKind::kGet && member.kind == MemberKind::kLet &&
+                        SameName(before.name, member.name);
+      EXPECT_EQ(pair, member.dispid == before.dispid) << c.name << "." << member.name;
+      EXPECT_LE(before.dispid, member.dispid) << c.name << "." << member.name;
+    }
+  }
+}
+
+TEST(Model, NamesAreUniqueWithinTheirKindOfAccess) {
+  for (const Class& c : Model()) {
+    for (const Member& member : c.members) {
+      const Access access = member.kind == MemberKind::kLet ? Access::kLet : Access::kCall;
+      EXPECT_EQ(FindMember(c, member.name, access), &member) << c.name << "." << member.name;
+    }
+  }
+}
+
+TEST(Model, EveryHelpTextIsOneSentence) {
+  for (const Class& c : Model()) {
+    EXPECT_TRUE(std::string_view(c.help).ends_with('.')) << c.name;
+    for (const Member& member : c.members) {
+      EXPECT_TRUE(std::string_view(member.help).ends_with('.')) << c.name << "." << member.name;
+    }
+  }
+}
+
+TEST(Model, ObjectsAreOfClassesOfTheModel) {
+  for (const Class& c : Model()) {
+    for (const Member& member : c.members) {
+      EXPECT_EQ(member.result == ValueType::kObject, member.result_class != nullptr);
+      if (member.result_class != nullptr) {
+        EXPECT_NE(FindClass(member.result_class), nullptr) << c.name << "." << member.name;
+      }
+    }
+  }
+}
+
+TEST(Model, OptionalArgumentsStandLast) {
+  for (const Class& c : Model()) {
+    for (const Member& member : c.members) {
+      bool optional = false;
+      for (const Argument& argument : member.arguments) {
+        EXPECT_TRUE(argument.optional || !optional) << c.name << "." << member.name;
+        optional = argument.optional;
+      }
+    }
+  }
+}
+
+TEST(FindMember, IgnoresCase) {
+  const Class& tank = *FindClass("DEPOSITO");
+  EXPECT_STREQ(FindMember(tank, "nuevovaciado", Access::kCall)->name, "NuevoVaciado");
+  EXPECT_STREQ(FindMember(*FindClass("vaciado"), "FIJARUSO", Access::kCall)->name, "fijarUso");
+}
+
+TEST(FindMember, TellsSettingFromReading) {
+  const Class& tank = *FindClass("Deposito");
+  EXPECT_EQ(FindMember(tank, "Nombre", Access::kCall)->kind, MemberKind::kGet);
+  EXPECT_EQ(FindMember(tank, "Nombre", Access::kLet)->kind, MemberKind::kLet);
+  EXPECT_EQ(FindMember(tank, "Capacidad", Access::kLet), nullptr);
+}
+
+TEST(SameName, FoldsLettersOfWesternEuropeanLanguages) {
+  EXPECT_TRUE(SameName("IniciarCampaña", "INICIARCAMPAÑA"));
+  EXPECT_TRUE(SameName("Ámbito", "ámbito"));
+  EXPECT_FALSE(SameName("campana", "campaña"));
+  EXPECT_FALSE(SameName("a×", "a÷"));  // signs, no letters
+  EXPECT_FALSE(SameName("Tolva", "Tolvas"));
+}
+
+TEST(DescribeMember, ReadsLikeVisualBasic) {
+  const auto describe = [](const char* owner, const char* name, Access access) {
+    return DescribeMember(*FindMember(*FindClass(owner), name, access));
+  };
+  EXPECT_EQ(describe("Tolva", "Descargar", Access::kCall),
+            "Descargar(dto As Integer, mol As Integer, [qto As Double]) As Boolean");
+  EXPECT_EQ(describe("Tolva", "Descarga", Access::kCall), "Descarga(cod As Long) As Descarga");
+  EXPECT_EQ(describe("Deposito", "Nombre", Access::kCall), "Nombre As String");
+  EXPECT_EQ(describe("Deposito", "Nombre", Access::kLet), "Nombre = String");
+  EXPECT_EQ(describe("Trazabilidad", "Cerrar", Access::kCall), "Cerrar");
+  EXPECT_EQ(describe("Deposito", "UltimoMovimiento", Access::kCall),
+            "UltimoMovimiento(hay As Variant, niv As Variant, mmto As Date) As Integer");
+}
+
+TEST(DescribeModel, NamesEveryMember) {
+  const std::string text = DescribeModel();
+  for (const Class& c : Model()) {
+    EXPECT_THAT(text, testing::HasSubstr("### " + std::string(c.name) + "\n"));
+    for (const Member& member : c.members) {
+      EXPECT_THAT(text, testing::HasSubstr("| " + std::to_string(member.dispid) + " | `" +
+                                           DescribeMember(member) + "` | "));
+    }
+  }
+}
+
+class ModelOfAMill : public test::MillTest {};
+
+TEST_F(ModelOfAMill, EveryObjectCarriesTheNameOfItsClass) {
+  Execute("insert into Descargas (Tolva, Descarga, Deposito, Fraccion) values (1, 1, 1, 1)");
+  Execute("insert into Vaciados (Deposito, Vaciado, Cantidad) values (1, 1, 5)");
+  Execute("insert into Niveles (Deposito, Item, Litros) values (1, 1, 5)");
+  const std::map<std::string, std::string> factories = {
+      {"Trazabilidad", "Tolva"}, {"trazabilidad", "TvaInter"}, {"TRAZABILIDAD", "Deposito"},
+      {"Tolva", "Descarga"},     {"Deposito", "Nivel"},        {"deposito", "Vaciado"}};
+  const auto hand_out = [this](const std::string& owner, const std::string& member) {
+    Object* object = &root;
+    Variant holder;
+    if (!SameName(owner, "Trazabilidad")) {
+      holder = Call(root, owner, Access::kCall, {Variant(1.0)}).result;
+      object = holder.object().get();
+    }
+    return Call(*object, member, Access::kCall, {Variant(1.0)}).result;
+  };
+  for (const auto& [owner, member] : factories) {
+    const Variant object = hand_out(owner, member);
+    ASSERT_NE(object.object(), nullptr) << member;
+    EXPECT_EQ(object.object()->ClassName(),
+              std::string(FindMember(*FindClass(owner), member, Access::kCall)->result_class));
+  }
+}
+
+TEST_F(ModelOfAMill, AnUnknownMemberIs438) {
+  EXPECT_EQ(ErrorOf([this] { Call(root, "Nada", Access::kCall, {}); }), 438);
+}
+
+TEST_F(ModelOfAMill, SettingAReadOnlyPropertyIs438) {
+  const auto hopper = root.Tolva(1);
+  EXPECT_EQ(ErrorOf([&] { Call(*hopper, "MomentoInicio", Access::kLet, {Variant(1.0)}); }), 438);
+}
+
+TEST_F(ModelOfAMill, AFactoryOutOfRangeGivesNothing) {
+  EXPECT_EQ(Call(root, "Tolva", Access::kCall, {Variant(5.0)}).result, Variant::Nothing());
+}
+
+TEST_F(ModelOfAMill, TheShareOfADischargeIsWrittenBack) {
+  const auto hopper = root.Tolva(1);
+  const CallResult call = Call(*hopper, "Descargar", Access::kCall,
+                               {Variant(int32_t{3}), Variant(int32_t{1}), Variant(2.5)});
+  EXPECT_EQ(call.result, Variant(true));
+  EXPECT_THAT(call.changed, ElementsAre(false, false, true));
+  EXPECT_EQ(call.arguments[2], Variant(1.0));
+}
+
+TEST_F(ModelOfAMill, TheShareOfADischargeMayBeLeftOut) {
+  const auto hopper = root.Tolva(1);
+  const CallResult call =
+      Call(*hopper, "descargar", Access::kCall, {Variant(int32_t{3}), Variant(int32_t{1})});
+  EXPECT_EQ(call.result, Variant(true));
+  EXPECT_FALSE(call.AnyChanged());
+}
+
+TEST_F(ModelOfAMill, TheLastMovementFillsItsOutputs) {
+  const auto tank = root.Deposito(2);
+  root.Tolva(1)->Descargar(2, 1);
+  const CallResult call =
+      Call(*tank, "UltimoMovimiento", Access::kCall, {Variant(), Variant(), Variant(OleDate())});
+  EXPECT_EQ(call.result, Variant(int16_t{1}));
+  EXPECT_THAT(call.changed, testing::Each(true));
+  EXPECT_EQ(call.arguments[0], Variant::Null());
+  EXPECT_EQ(call.arguments[2], Variant(clock.Now()));
+}
+
+TEST_F(ModelOfAMill, OnlyAMissingReferentListRefusesASaleWithoutUse) {
+  const auto tank = root.Deposito(2);
+  root.Tolva(1)->Descargar(2, 1);
+  clock.Set(test::At("2026-11-15 09:00:00"));
+  tank->EntradaNivel({}, -1, 100);
+  clock.Set(test::At("2026-11-15 10:00:00"));
+  const Arguments without = {Variant(int32_t{0}), Variant(40.0)};
+  EXPECT_EQ(Call(*tank, "NuevoVaciado", Access::kCall, without).result, Variant(int32_t{0}));
+  const Arguments with = {Variant(int32_t{0}), Variant(40.0), std::nullopt,
+                          Variant(Variant::Array{Variant(int32_t{1}), Variant("L-1")})};
+  EXPECT_EQ(Call(*tank, "NuevoVaciado", Access::kCall, with).result, Variant(int32_t{1}));
+}
+
+}  // namespace
+}  // namespace ambrelio::automation
