@@ -54,7 +54,8 @@ TEST_F(HistoryTest, OrdersEqualMomentsByKindNumberAndCode) {
   Hold(2, 5, moment, 1, 1);
   Hold(1, 9, moment, 1, 1);
   std::vector<std::string> codes;
-  for (const Variant& row : tank1.Historial().array()) {
+  const Variant history = tank1.Historial();
+  for (const Variant& row : history.array()) {
     codes.push_back(test::Show(row.array()[1]) + " " + test::Show(row.array()[2]) + " " +
                     test::Show(row.array()[3]));
   }

@@ -216,6 +216,13 @@ TEST_F(NivelTest, MovingPutsTheDayNumberIntoTheLevelReadAndKeepsTheMomentRead) {
   EXPECT_EQ(again.Momento(), At("2026-11-03 11:00:00"));
 }
 
+TEST_F(NivelTest, MovingBeforeTheFirstReadingIsReadFromTheRow) {
+  Nivel reading(session, 1, 2);
+  reading.SetMomento(At("2026-11-03 11:00:00"));
+  EXPECT_EQ(reading.NivelLeido(), 1200);
+  EXPECT_EQ(reading.Momento(), At("2026-11-03 11:00:00"));
+}
+
 TEST_F(NivelTest, MovingRoundsTheDayNumberUpInTheAfternoon) {
   Execute("update Vaciados set mmto=#11/3/2026 20:0:0#");
   Nivel reading(session, 1, 2);

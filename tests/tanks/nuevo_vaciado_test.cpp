@@ -120,6 +120,7 @@ TEST_F(NuevoVaciado, NumbersTheEmptyingsOfEachTank) {
   EXPECT_EQ(Empty(tank1, 2, 100), 1);
   clock.Set(At("2026-11-15 08:00:01"));
   EXPECT_EQ(Empty(tank1, 2, 100), 2);
+  Read(2, 1, "2026-11-15 08:00:00", "300", "200");
   EXPECT_EQ(Empty(tank2, 1, 50), 1);
   EXPECT_EQ(tank1.UltimoVaciado(), 2);
 }
@@ -274,6 +275,11 @@ TEST_F(NuevoVaciado, RefusesATankWithoutLitres) {
   ExpectRefused([&] { return Empty(tank3, 2, 100); });
 }
 
+TEST_F(NuevoVaciado, RefusesATankWithAnInflowButNoReading) {
+  ASSERT_EQ(Empty(tank1, 2, 400), 1);
+  ExpectRefused([&] { return Empty(tank2, 3, 100); });
+}
+
 TEST_F(NuevoVaciado, RefusesAMomentNotLaterThanTheLastMovement) {
   ExpectRefused([&] { return Empty(tank1, 2, 100, At("2026-11-03 10:00:00")); });
   ExpectRefused([&] { return Empty(tank1, 2, 100, At("2026-11-03 09:59:59")); });
@@ -366,7 +372,7 @@ TEST_F(NuevoVaciado, PassesOverNullFractions) {
 }
 
 TEST_F(NuevoVaciado, FailingAtAnyRequestLeavesItsLevelOpenAndClosingUndoesIt) {
-  EXPECT_EQ(FailAtEveryRequest([&] { Empty(tank1, 2, 400); }), 20);
+  EXPECT_EQ(FailAtEveryRequest([&] { Empty(tank1, 2, 400); }), 21);
   EXPECT_THAT(Fractions(2), ElementsAre("1/1=0.2", "2/1=0.1"));
 }
 

@@ -300,6 +300,19 @@ TEST_F(VaciadoTest, BoundsInTheEmptiedTankAreThoseOfTheMomentTheObjectWasMade) {
   EXPECT_EQ(test::Show(after), "2026-11-03 13:00:00");
 }
 
+TEST_F(VaciadoTest, BoundsInAHistoryOfMoreEventsThanSixteenBitsCountOverflow) {
+  for (int items = 1; items < 32768; items *= 2) {
+    Execute("insert into Niveles (Deposito, Item, Momento) select Deposito, Item+" +
+            std::to_string(items) + ", Momento from Niveles where Deposito=1");
+  }
+  Vaciado emptying(session, 1, 1);
+  Variant before;
+  Variant after;
+  EXPECT_EQ(ErrorOf([&] { emptying.GetCotasMomento(before, after); }), 6);
+  Execute("delete from Niveles where (Deposito=1) and (Item>32765)");  // 32767 events are left
+  EXPECT_EQ(Bounds(1, 1), "09:00 15:00");
+}
+
 // --- moving
 
 TEST_F(VaciadoTest, MovesStrictlyBetweenItsNeighbours) {

@@ -34,7 +34,8 @@ class MasterLoader {
 
  private:
   void ReadHeader(const CsvRow& header) {
-    auto& fields = database_.TableDefs().Item(table_)->Fields();
+    const auto definition = database_.TableDefs().Item(table_);
+    auto& fields = definition->Fields();
     for (const std::string& name : header.fields) {
       try {
         const auto field = fields.Item(name);

@@ -52,7 +52,7 @@ bool Vaciado::FijarUso(int16_t u, int32_t cli, int32_t trp, const std::string& d
                                    referents + Where()) <= 0) {
     return false;
   }
-  // The lot stays as it is, also where it was not read yet.
+  // The row counts as read from here on, even when the lot never was.
   loaded_ = true;
   use_ = u;
   client_ = cli;
@@ -71,9 +71,7 @@ void Vaciado::SetLote(const std::string& lot) {
 }
 
 double Vaciado::Litros() {
-  const auto row = session_.Database().OpenRecordset(
-      "select Cantidad from Vaciados where (Deposito=" + Tools::IntegerText(tank_) +
-      ") and (Vaciado=" + Tools::LongText(number_) + ") ");
+  const auto row = session_.Database().OpenRecordset("select Cantidad from Vaciados " + Where());
   return ToDouble(Tools::ValueOrZero(row->Value(0)));
 }
 

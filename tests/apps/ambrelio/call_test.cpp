@@ -20,15 +20,15 @@ class CallCommand : public test::MillCliTest {
   // Two members' olives, 3:1, discharged into tank 3, which then holds 500 litres.
   void Season() {
     const auto outcome = Journal(
-        R"({"sql":"insert into SOCIO (CODSOC, NOMSOC) values (7, 'Núñez')"}
+        R"j({"sql":"insert into SOCIO (CODSOC, NOMSOC) values (7, 'Núñez')"}
 {"sql":"insert into SOCIO (CODSOC, NOMSOC) values (12, 'Ana')"}
 {"m":"2025-11-03 08:00:00","pesada":{"COOPERATIVA":1,"PARTIDA":1,"MEDIANA":0,"CODPRO":1,"CODSOC":7,"TOLVA":1,"PARCIALPESO":3000}}
 {"m":"2025-11-03 08:10:00","pesada":{"COOPERATIVA":1,"PARTIDA":2,"MEDIANA":0,"CODPRO":1,"CODSOC":12,"TOLVA":1,"PARCIALPESO":1000}}
 {"m":"2025-11-03 09:00:00","call":"Tolva(1).Descargar","args":[3,1]}
 {"m":"2025-11-03 10:00:00","call":"Deposito(3).EntradaNivel","args":[null,null,500]}
-)");
+)j");
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-}
+  }
 };
 
 TEST_F(CallCommand, PrintsACompositionAsATable) {

@@ -5,7 +5,7 @@ namespace {
 
 using testing::HasSubstr;
 
-class Create : public test::CliTest {
+class CreateCommand : public test::CliTest {
  protected:
   // Writes the three master files into a folder and gives its path.
   std::string Masters(const std::string& members = "CODSOC,NOMSOC\n1,Ana\n2,\"Gil, hijos\"\n") {
@@ -20,7 +20,7 @@ class Create : public test::CliTest {
   }
 };
 
-TEST_F(Create, MakesEveryTable) {
+TEST_F(CreateCommand, MakesEveryTable) {
   Create();
   for (const char* table : {"PESADA", "SOCIO", "PRODUCTO", "MUNICIPIO", "Descargas", "Vaciados",
                             "detVaciados", "Niveles", "Capacidad", "Depositos", "Clientes",
@@ -29,7 +29,7 @@ TEST_F(Create, MakesEveryTable) {
   }
 }
 
-TEST_F(Create, PutsTheDatabaseWhereTheSettingsSay) {
+TEST_F(CreateCommand, PutsTheDatabaseWhereTheSettingsSay) {
   SetUpIni("BaseDatos", "molino.mdb");
   SetUpIni("RutaBaseDatos", "{dat}/datos");
   const std::string data = folder.Folder("mill/datos");
@@ -39,7 +39,7 @@ TEST_F(Create, PutsTheDatabaseWhereTheSettingsSay) {
   EXPECT_TRUE(std::filesystem::exists(data + "/molino.mdb"));
 }
 
-TEST_F(Create, UsesTheNetworkFolderOfTheNetworkedEdition) {
+TEST_F(CreateCommand, UsesTheNetworkFolderOfTheNetworkedEdition) {
   const std::string net = folder.Folder("net");
   kestro::IniFile(app + "/CLIEN.INI", "GENERAL").Write("NetPath", net);
   const auto outcome = test::RunCli({"create", "--app", app, "--vardex3"});
@@ -47,7 +47,7 @@ TEST_F(Create, UsesTheNetworkFolderOfTheNetworkedEdition) {
   EXPECT_TRUE(std::filesystem::exists(net + "/oliva.mdb"));
 }
 
-TEST_F(Create, ProtectsTheDatabaseWithThePassword) {
+TEST_F(CreateCommand, ProtectsTheDatabaseWithThePassword) {
   SetUpIni("PassworDB", "x" + kestro::Tools::Encode("secreta") + "x");
   Create();
   EXPECT_EQ(test::RunCli({"sql", database(), "select * from SOCIO"}).code, 3);
@@ -55,7 +55,7 @@ TEST_F(Create, ProtectsTheDatabaseWithThePassword) {
             0);
 }
 
-TEST_F(Create, NeverOverwrites) {
+TEST_F(CreateCommand, NeverOverwrites) {
   test::WriteText(database(), "mine");
   const auto outcome = test::RunCli({"create", "--app", app});
   EXPECT_EQ(outcome.code, 3);
@@ -63,21 +63,21 @@ TEST_F(Create, NeverOverwrites) {
   EXPECT_EQ(test::ReadText(database()), "mine");
 }
 
-TEST_F(Create, NeverOverwritesALinkThatLeadsNowhere) {
+TEST_F(CreateCommand, NeverOverwritesALinkThatLeadsNowhere) {
   std::filesystem::create_symlink(folder.File("elsewhere"), database());
   EXPECT_EQ(test::RunCli({"create", "--app", app}).code, 3);
   EXPECT_TRUE(std::filesystem::is_symlink(database()));
   EXPECT_FALSE(std::filesystem::exists(folder.File("elsewhere")));
 }
 
-TEST_F(Create, AMissingDataFolderIsAFileProblem) {
+TEST_F(CreateCommand, AMissingDataFolderIsAFileProblem) {
   SetUpIni("RutaBaseDatos", folder.File("none"));
   const auto outcome = test::RunCli({"create", "--app", app});
   EXPECT_EQ(outcome.code, 3);
   EXPECT_THAT(outcome.err, HasSubstr("cannot be created: error 3044"));
 }
 
-TEST_F(Create, LoadsTheMasters) {
+TEST_F(CreateCommand, LoadsTheMasters) {
   const auto outcome = CreateWith(Masters());
   EXPECT_EQ(outcome.code, 0) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr("SOCIO: 2 rows\nPRODUCTO: 1 rows\nMUNICIPIO: 1 rows\n"));
@@ -86,13 +86,13 @@ TEST_F(Create, LoadsTheMasters) {
   EXPECT_EQ(Query("select NOMMUN from MUNICIPIO"), R"({"result":[["Jaén"]]})");
 }
 
-TEST_F(Create, LoadsTheMastersOfTheExampleSeason) {
+TEST_F(CreateCommand, LoadsTheMastersOfTheExampleSeason) {
   const auto outcome = CreateWith(AMBRELIO_SOURCE_DIR "/examples/campana");
   EXPECT_EQ(outcome.code, 0) << outcome.err;
   EXPECT_EQ(Query("select count(*) from SOCIO"), R"({"result":[[238]]})");
 }
 
-TEST_F(Create, AMalformedMasterNamesFileAndLineAndLeavesNoDatabase) {
+TEST_F(CreateCommand, AMalformedMasterNamesFileAndLineAndLeavesNoDatabase) {
   const std::string masters = Masters("CODSOC,NOMSOC\n1,Ana\nx,Luis\n");
   const auto outcome = CreateWith(masters);
   EXPECT_EQ(outcome.code, 2);
@@ -102,7 +102,7 @@ TEST_F(Create, AMalformedMasterNamesFileAndLineAndLeavesNoDatabase) {
   EXPECT_EQ(CreateWith(Masters()).code, 0) << "a second attempt starts afresh";
 }
 
-TEST_F(Create, AMissingMasterStopsBeforeTheDatabaseIsMade) {
+TEST_F(CreateCommand, AMissingMasterStopsBeforeTheDatabaseIsMade) {
   const std::string masters = Masters();
   std::filesystem::remove(masters + "/productos.csv");
   const auto outcome = CreateWith(masters);

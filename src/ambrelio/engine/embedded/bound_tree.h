@@ -56,7 +56,7 @@ enum class ColumnPart : uint8_t {
 struct ColumnRef {
   int source = 0;
   ColumnPart part = ColumnPart::kField;
-  int index = 0;                     // of the output column or key
+  int index = 0;                     // of the field, output column or key; 0 for a row id
   const FieldInfo* field = nullptr;  // kField
   const TableInfo* table = nullptr;  // kField, kRowId
 };

@@ -99,6 +99,7 @@ void AppendKeys(const bound::Source& leaf, std::vector<ExprPtr>& keys) {
     }
     for (const IndexColumn& column : primary->columns) {
       ref.field = leaf.table->FindField(column.name);
+      ref.index = static_cast<int>(ref.field - leaf.table->fields.data());
       keys.push_back(bound::MakeColumn(ref, TypeOf(ref.field->type)));
     }
     return;
