@@ -157,12 +157,15 @@ void AddHostTables(dao::Database& database) {
 
 void CreateMillDatabase(dao::DBEngine& engine, const std::string& path,
                         const std::string& password) {
-  const auto database = engine.DefaultWorkspace().CreateDatabase(path, ";pwd=" + password);
+  dao::Workspace& workspace = engine.DefaultWorkspace();
+  const auto database = workspace.CreateDatabase(path, ";pwd=" + password);
   try {
+    workspace.BeginTrans();  // one synchronisation with the disk instead of one for each table
     AddHostTables(*database);
     AddMovements(*database);
     AddTanksAndReferents(*database);
     AddShares(*database);
+    workspace.CommitTrans();
     database->Close();
   } catch (...) {
     // Half a database is worse than none.
