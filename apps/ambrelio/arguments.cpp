@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "ambrelio/value/ascii.h"
 #include "json_value.h"
 
 namespace ambrelio::cli {
@@ -55,7 +56,8 @@ Arguments PrepareArguments(const automation::Member& member, Arguments arguments
 
 std::optional<Variant> ParseArgument(std::string_view text, ValueType wanted) {
   if (text == "-") return std::nullopt;
-  if (!text.empty() && (text[0] == '[' || text[0] == '{' || text[0] == '"')) {
+  const std::string_view trimmed = TrimBlanks(text);
+  if (!trimmed.empty() && std::string_view("[{\"").find(trimmed[0]) != std::string_view::npos) {
     return ToVariant(ParseJson(text));
   }
   if (wanted == ValueType::kText) return Variant(text);

@@ -9,7 +9,8 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Calls one member of the object model and prints what it gives.
+constexpr char kDescription[] =
+    R"help(Calls one member of the object model and prints what it gives.
 
 Examples:
   ambrelio call --app mill "Deposito(3).Composicion" 1
@@ -82,7 +83,7 @@ void AddCall(CLI::App& app, Context& context) {
   AddMillOptions(*command, options->mill)->required();
   command->add_option("PATH", options->path, "The member, as Deposito(3).Nivel(4).Litros")
       ->required();
-  command->add_option("ARG", options->arguments, "Its arguments")->allow_extra_args(false);
+  command->add_option("ARG", options->arguments, "Its arguments");
   command->add_flag("--json", options->json, "Print one line of JSON, as journal does");
   command->callback([options, &context] { RunCall(*options, context); });
 }

@@ -11,7 +11,8 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Replays a journal: the events of a mill, one JSON object a line.
+constexpr char kDescription[] =
+    R"help(Replays a journal: the events of a mill, one JSON object a line.
 
 Examples:
   ambrelio journal --app mill examples/campana/journal.jsonl > results.jsonl

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "commands.h"
@@ -23,7 +24,8 @@ without bringing it up to the library's schema.
 
 struct SqlOptions {
   MillOptions mill;
-  std::vector<std::string> positional;  // [FILE] STATEMENT
+  std::string file;
+  std::string statement;
   std::string password;
   bool json = false;
   bool csv = false;
@@ -34,7 +36,7 @@ struct SqlOptions {
 std::string CsvField(const Variant& value) {
   if (value.is_null() || value.is_empty()) return "";
   const Table::Cell cell = CellOf(value);
-  const std::string text = value.is_text() ? value.as<std::string>() : cell.text;
+  std::string text = value.is_text() ? value.as<std::string>() : cell.text;
   if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string quoted = "\"";
   for (const char c : text) {
@@ -66,8 +68,9 @@ void WriteTable(Console& console, const StatementResult& result) {
   }
   Table table(result.columns);
   for (const std::vector<Variant>& row : result.rows) {
-    std::vector<Table::Cell> cells;
-    for (const Variant& value : row) cells.push_back(CellOf(value));
+    std::vector<Table::Cell> cells(row.size());
+    std::transform(row.begin(), row.end(), cells.begin(),
+                   [](const Variant& value) { return CellOf(value); });
     table.AddRow(std::move(cells));
   }
   Write(console, table.Text());
@@ -75,28 +78,29 @@ void WriteTable(Console& console, const StatementResult& result) {
 
 frame::DatabaseSettings WhichDatabase(Session& session, const SqlOptions& options) {
   if (!options.mill.app.empty()) return ReadSettings(session, options.mill);
-  return {options.positional.front(), options.password};
+  return {options.file, options.password};
 }
 
-void CheckPositional(const SqlOptions& options) {
+// With --app, the first argument that stands alone is the statement already.
+SqlOptions CheckArguments(SqlOptions options) {
   const bool has_app = !options.mill.app.empty();
-  const size_t expected = has_app ? 1 : 2;
-  if (options.positional.size() != expected) {
+  if (has_app && options.statement.empty()) options.file.swap(options.statement);
+  if (options.statement.empty() || has_app != options.file.empty()) {
     throw Failure(ExitCode::kWrongInput, has_app ? "with --app, one statement is expected"
                                                  : "a database and one statement are expected");
   }
   if (has_app && !options.password.empty()) {
     throw Failure(ExitCode::kWrongInput, "--password goes with a database file, not with --app");
   }
+  return options;
 }
 
 void RunSql(const SqlOptions& options, Context& context) {
-  CheckPositional(options);
   TraceFile trace(context.trace_path);
   Session session;
   session.UseEngine(trace.MakeEngine());
   const auto database = OpenDatabase(session, WhichDatabase(session, options));
-  const StatementResult result = RunStatement(*database, options.positional.back());
+  const StatementResult result = RunStatement(*database, options.statement);
   database->Close();
   if (options.json) {
     Write(context.console, JsonLine(StatementJson(result)) + '\n');
@@ -115,18 +119,14 @@ void AddSql(CLI::App& app, Context& context) {
   CLI::App* command = app.add_subcommand("sql", kDescription);
   auto options = std::make_shared<SqlOptions>();
   AddMillOptions(*command, options->mill);
-  command
-      ->add_option("SQL", options->positional,
-                   "The database file, unless --app names a mill, and the statement")
-      ->required()
-      ->expected(1, 2)
-      ->allow_extra_args(false);
+  command->add_option("FILE", options->file, "The database; not with --app");
+  command->add_option("STATEMENT", options->statement, "The statement");
   command->add_option("--password", options->password, "Password of FILE");
   auto* json =
       command->add_flag("--json", options->json, "Print one line of JSON, as journal does");
   command->add_flag("--csv", options->csv, "Print comma-separated values with a line of names")
       ->excludes(json);
-  command->callback([options, &context] { RunSql(*options, context); });
+  command->callback([options, &context] { RunSql(CheckArguments(*options), context); });
 }
 
 }  // namespace ambrelio::cli

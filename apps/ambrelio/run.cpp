@@ -59,6 +59,15 @@ void Declare(CLI::App& app, Context& context) {
   AddSql(app, context);
 }
 
+// For an argument that may be repeated, CLI11 takes [1,2] apart. A blank in front keeps the list of
+// a call whole and means nothing to JSON.
+void KeepListsWhole(std::vector<std::string>& arguments) {
+  const auto call = std::find(arguments.begin(), arguments.end(), "call");
+  for (auto argument = call; argument != arguments.end(); ++argument) {
+    if (argument->starts_with('[') && !(argument - 1)->starts_with("--")) argument->insert(0, " ");
+  }
+}
+
 // Help and version are no failures: CLI11 reports them as exceptions with code 0.
 ExitCode TellParseError(const CLI::App& app, const CLI::ParseError& error, Console& console) {
   if (error.get_exit_code() == 0) {
@@ -84,6 +93,7 @@ ExitCode Run(std::vector<std::string> arguments, Console& console) {
   CLI::App app(kDescription, "ambrelio");
   try {
     Declare(app, context);
+    KeepListsWhole(arguments);
     std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end
     try {
       app.parse(std::move(arguments));

@@ -6,7 +6,10 @@ namespace ambrelio {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 class CompositionTest : public test::MillTest {
  protected:
@@ -106,8 +109,9 @@ TEST_F(CompositionTest, EachClassGroupsByItsColumn) {
   for (int16_t clase = 1; clase <= 5; ++clase) {
     const std::string column = columns[clase - 1];
     const std::string sql = Sent([&] { Tank5(clase); }).at(0);
-    EXPECT_TRUE(sql.starts_with("select " + column + " as campo, ")) << sql;
-    EXPECT_TRUE(sql.ends_with("group by " + column + " order by " + column + " ")) << sql;
+    EXPECT_THAT(sql, StartsWith("select " + column + " as campo, "));
+    EXPECT_THAT(sql, HasSubstr("group by " + column + " "));
+    EXPECT_THAT(sql, EndsWith("order by " + column + " "));
   }
 }
 

@@ -6,7 +6,6 @@ namespace {
 
 using test::At;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 // Tanks 1 and 2 both hold both discharges; tank 1 has 1000 litres.
 class DeshacerVaciado : public test::TankTest {

@@ -86,34 +86,33 @@ TEST_F(NuevoVaciado, OutOfTheMillTakesTheShareAway) {
 }
 
 TEST_F(NuevoVaciado, SendsItsStatementsInOrder) {
-  EXPECT_EQ(
-      Sent([&] { Empty(tank1, 2, 400, At("2026-11-03 11:00:00")); }),
-      Then(StateQueries("1", "2026-11-03 10:00:00"),
-           {"begin", "select max(Vaciado) from Vaciados where Deposito=1",
-            "insert into Vaciados (Deposito, Vaciado, mmto, Cantidad, Destino, Uso, Lote, Cliente, "
-            "Transportista, DestinoVenta) values (1, 1, #11/3/2026 11:0:0#, 400.00000000, 2, 0, "
-            "Null, Null, Null, Null) ",
-            "insert into detVaciados (Deposito, Vaciado, Tolva, Descarga, Molino, Fraccion) select "
-            "1 as Deposito, 1 as Vaciado, Tolva, Descarga, Molino, Fraccion from Descargas where "
-            "(Deposito=1) and (Fraccion>0) ",
-            "select * from Descargas where Deposito=1",
-            "update Descargas set Fraccion= Fraccion-0.20000000 where (Tolva=1) and (Descarga=1) "
-            "and (Deposito=1) ",
-            "update Descargas set Fraccion=0 where (Fraccion<0.0001) ",
-            "update Descargas set Fraccion= Fraccion+0.20000000 where (Tolva=1) and (Descarga=1) "
-            "and (Deposito=2) ",
-            "insert into Descargas (Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, "
-            "Fraccion) select Tolva, Descarga, MomentoDesde, MomentoHasta, 2, 0.20000000 from "
-            "Descargas where (Tolva=1) and (Descarga=1) and (Deposito=1) ",
-            "update Descargas set Fraccion= Fraccion-0.10000000 where (Tolva=2) and (Descarga=1) "
-            "and (Deposito=1) ",
-            "update Descargas set Fraccion=0 where (Fraccion<0.0001) ",
-            "update Descargas set Fraccion= Fraccion+0.10000000 where (Tolva=2) and (Descarga=1) "
-            "and (Deposito=2) ",
-            "insert into Descargas (Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, "
-            "Fraccion) select Tolva, Descarga, MomentoDesde, MomentoHasta, 2, 0.10000000 from "
-            "Descargas where (Tolva=2) and (Descarga=1) and (Deposito=1) ",
-            "commit"}));
+  const std::string insert_emptying =
+      "insert into Vaciados (Deposito, Vaciado, mmto, Cantidad, Destino, Uso, Lote, Cliente, "
+      "Transportista, DestinoVenta) values (1, 1, #11/3/2026 11:0:0#, 400.00000000, 2, 0, Null, "
+      "Null, Null, Null) ";
+  const std::string insert_snapshot =
+      "insert into detVaciados (Deposito, Vaciado, Tolva, Descarga, Molino, Fraccion) select 1 as "
+      "Deposito, 1 as Vaciado, Tolva, Descarga, Molino, Fraccion from Descargas where "
+      "(Deposito=1) and (Fraccion>0) ";
+  const auto change = [](const std::string& amount, const std::string& hopper,
+                         const std::string& tank) {
+    return "update Descargas set Fraccion= Fraccion" + amount + " where (Tolva=" + hopper +
+           ") and (Descarga=1) and (Deposito=" + tank + ") ";
+  };
+  const auto copy = [](const std::string& amount, const std::string& hopper) {
+    return "insert into Descargas (Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, "
+           "Fraccion) select Tolva, Descarga, MomentoDesde, MomentoHasta, 2, " +
+           amount + " from Descargas where (Tolva=" + hopper +
+           ") and (Descarga=1) and (Deposito=1) ";
+  };
+  const std::string clear_dust = "update Descargas set Fraccion=0 where (Fraccion<0.0001) ";
+  EXPECT_EQ(Sent([&] { Empty(tank1, 2, 400, At("2026-11-03 11:00:00")); }),
+            Then(StateQueries("1", "2026-11-03 10:00:00"),
+                 {"begin", "select max(Vaciado) from Vaciados where Deposito=1", insert_emptying,
+                  insert_snapshot, "select * from Descargas where Deposito=1",
+                  change("-0.20000000", "1", "1"), clear_dust, change("+0.20000000", "1", "2"),
+                  copy("0.20000000", "1"), change("-0.10000000", "2", "1"), clear_dust,
+                  change("+0.10000000", "2", "2"), copy("0.10000000", "2"), "commit"}));
 }
 
 TEST_F(NuevoVaciado, NumbersTheEmptyingsOfEachTank) {

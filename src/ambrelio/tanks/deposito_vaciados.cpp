@@ -28,8 +28,8 @@ constexpr size_t kSaleDestination = 4;
 std::string UseValues(const std::optional<Variant>& referentes) {
   if (!referentes) return "0, Null, Null, Null, Null";
   const int16_t use = ToInteger(tanks::Element(*referentes, kUse));
-  const std::string values = Tools::IntegerText(use) + ", " +
-                             data::SqlText(ToText(tanks::Element(*referentes, kLot))) + ", ";
+  std::string values = Tools::IntegerText(use) + ", " +
+                       data::SqlText(ToText(tanks::Element(*referentes, kLot))) + ", ";
   switch (use) {
     case 0:
     case 1:

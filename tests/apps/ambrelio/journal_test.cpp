@@ -223,9 +223,9 @@ TEST_F(JournalReplay, OutputThatFailsStopsTheReplay) {
   out.setstate(std::ios::badbit);
   std::ostringstream err;
   Console console{in, out, err};
-  EXPECT_EQ(Run({"journal", "--app", app, "-"}, console), ExitCode::kFileProblem);
+  EXPECT_EQ(cli::Run({"journal", "--app", app, "-"}, console), ExitCode::kFileProblem);
   EXPECT_THAT(err.str(), HasSubstr("cannot be written to standard output"));
-  EXPECT_EQ(Query("select Tolva from Descargas"), R"({"result":[[1]]})j");
+  EXPECT_EQ(Query("select Tolva from Descargas"), R"({"result":[[1]]})");
 }
 
 TEST_F(JournalReplay, ShowsProgressOnATerminal) {
@@ -235,7 +235,7 @@ TEST_F(JournalReplay, ShowsProgressOnATerminal) {
   std::ostringstream out;
   std::ostringstream err;
   Console console{in, out, err, /*shows_progress=*/true};
-  EXPECT_EQ(Run({"journal", "--app", app, "-"}, console), ExitCode::kSuccess);
+  EXPECT_EQ(cli::Run({"journal", "--app", app, "-"}, console), ExitCode::kSuccess);
   EXPECT_THAT(err.str(), HasSubstr("\r200 lines"));
   EXPECT_TRUE(err.str().ends_with("\r\x1b[K")) << "the line is cleared at the end";
 }

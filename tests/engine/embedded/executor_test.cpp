@@ -32,7 +32,8 @@ TEST_F(ExecutorTest, CountsWhatTheLastStatementWrote) {
 
 TEST_F(ExecutorTest, DoesNotExecuteASelect) {
   EXPECT_EQ(ErrorOf([&] { Execute("select * from Tanques"); }), 3065);
-  EXPECT_EQ(ErrorOf([&] { Execute("select * from Tanques union select 1, 2 from Tanques"); }), 3065);
+  EXPECT_EQ(ErrorOf([&] { Execute("select * from Tanques union select 1, 2 from Tanques"); }),
+            3065);
 }
 
 TEST_F(ExecutorTest, UsesALiteralOfEachText) {
@@ -72,8 +73,9 @@ TEST_F(ExecutorTest, FollowsADefinitionThatIsRolledBack) {
 TEST_F(ExecutorTest, FollowsADefinitionOfAnotherProcess) {
   EXPECT_EQ(ErrorOf([&] { Execute("insert into T values (1)"); }), 3192);
   const auto engine = OtherEngine();
-  engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "")->Execute(
-      "create table T (a text(3))");
+  engine->DefaultWorkspace()
+      .OpenDatabase(Path(), false, false, "")
+      ->Execute("create table T (a text(3))");
   EXPECT_EQ(Execute("insert into T values (12345)"), 1);
   EXPECT_EQ(Value("select a from T"), Variant("123"));
 }
@@ -82,9 +84,7 @@ TEST_F(ExecutorTest, AStatementThatFailsInTheMiddleLeavesATransactionAsItWas) {
   Execute("insert into Tanques values (1, 1)");
   workspace().BeginTrans();
   Execute("insert into Tanques values (2, 2)");
-  EXPECT_EQ(ErrorOf([&] {
-              Execute("update Tanques set Numero = Numero + 1", dao::kFailOnError);
-            }),
+  EXPECT_EQ(ErrorOf([&] { Execute("update Tanques set Numero = Numero + 1", dao::kFailOnError); }),
             3022);
   Execute("insert into Tanques values (9, 9)");
   workspace().CommitTrans();

@@ -5,7 +5,8 @@
 //   > create table T (a long,                  a statement; lines further in continue it
 //       b text(10))
 //   > insert into T values (1, 'x')
-//   affected 1                                 what it gives, up to the next empty line or statement
+//   affected 1                                 what it gives, up to the next empty line or
+//   statement
 //   !> insert into T values (1, 'x')           the same with the fail-on-error option
 //   error 3022
 //   > select a, b from T

@@ -87,9 +87,8 @@ std::vector<std::string> Rows(dao::Recordset& rows) {
     for (int i = 0; i < columns; ++i) text += (i > 0 ? " | " : "") + part(*rows.Fields().Item(i));
     return text;
   };
-  std::vector<std::string> lines = {line([](const dao::Field& field) {
-    return field.Name() + ":" + TypeText(field.Type());
-  })};
+  std::vector<std::string> lines = {
+      line([](const dao::Field& field) { return field.Name() + ":" + TypeText(field.Type()); })};
   for (; !rows.AtEnd(); rows.MoveNext()) {
     lines.push_back(line([](const dao::Field& field) {
       const Variant value = field.Value();
@@ -190,8 +189,8 @@ std::string TestName(const testing::TestParamInfo<SqlCase>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Text, SqlCases,
-                         testing::ValuesIn(test::LoadSqlCases(
-                             AMBRELIO_SOURCE_DIR "/tests/engine/embedded/cases")),
+                         testing::ValuesIn(test::LoadSqlCases(AMBRELIO_SOURCE_DIR
+                                                              "/tests/engine/embedded/cases")),
                          TestName);
 
 }  // namespace

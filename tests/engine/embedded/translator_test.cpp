@@ -110,7 +110,8 @@ TEST_F(TranslatorTest, OnlyASelectOverOneTableIsADynaset) {
 
 TEST_F(TranslatorTest, ALiteralThatIsComparedTiesTheStatementToItsText) {
   EXPECT_TRUE(BoundOf("select Tolva + 1 from Descargas group by Tolva + 1").literals_matter);
-  EXPECT_FALSE(BoundOf("select Tolva from Descargas where Tolva = 1 group by Tolva").literals_matter);
+  EXPECT_FALSE(
+      BoundOf("select Tolva from Descargas where Tolva = 1 group by Tolva").literals_matter);
 }
 
 }  // namespace

@@ -114,9 +114,8 @@ ExprPtr Binding::BindColumn(const sql::Expr& expr, Place place) {
     }
   }
   std::string name = expr.qualifier.empty() ? expr.name : expr.qualifier + "." + expr.name;
-  const bool known =
-      std::any_of(unknown_names_.begin(), unknown_names_.end(),
-                  [&](const std::string& other) { return SameName(other, name); });
+  const bool known = std::any_of(unknown_names_.begin(), unknown_names_.end(),
+                                 [&](const std::string& other) { return SameName(other, name); });
   if (!known) unknown_names_.push_back(std::move(name));
   return bound::MakeLiteral(Variant::Null(), ValueType::kNull);
 }

@@ -31,9 +31,8 @@ std::unique_ptr<Query> Binding::BindSelect(const sql::Query& query) {
   scope.outer = outside;
   scope_ = &scope;
   for (const bound::Source& source : select.from) {
-    bound::ForEachLeaf(source, [&](const bound::Source& leaf) {
-      AppendKeys(leaf, scope.row_keys);
-    });
+    bound::ForEachLeaf(source,
+                       [&](const bound::Source& leaf) { AppendKeys(leaf, scope.row_keys); });
   }
 
   const bool aggregate_outside = saw_aggregate_;
@@ -47,6 +46,7 @@ std::unique_ptr<Query> Binding::BindSelect(const sql::Query& query) {
   select.top = tree.top;
   select.top_percent = tree.top_percent;
   select.grouped = saw_aggregate_ || !select.group_by.empty() || select.having;
+  // `distinctrow` drops rows that stem from the same rows of all sources: there are none.
   const bool distinct_by_grouping = tree.distinct && !select.grouped;
   select.distinct = tree.distinct;
   if (distinct_by_grouping) GroupBySelectList(select);
@@ -54,8 +54,7 @@ std::unique_ptr<Query> Binding::BindSelect(const sql::Query& query) {
   if (saw_aggregate_ && !select.grouped) Fail(DaoError::kAggregateInExpression);
   saw_aggregate_ = aggregate_outside;
 
-  const DaoError order_error =
-      tree.distinct ? DaoError::kOrderByDistinct : DaoError::kNotGrouped;
+  const DaoError order_error = tree.distinct ? DaoError::kOrderByDistinct : DaoError::kNotGrouped;
   if (select.grouped) {
     for (const ExprPtr& item : select.items) {
       RequireGrouped(*item, select, scope, DaoError::kNotGrouped);
@@ -89,9 +88,7 @@ void Binding::GroupBySelectList(Select& select) {
   select.distinct = false;
 }
 
-bool Binding::Same(const Expr& a, const Expr& b) {
-  return bound::SameExpr(a, b, literals_matter_);
-}
+bool Binding::Same(const Expr& a, const Expr& b) { return bound::SameExpr(a, b, literals_matter_); }
 
 bool Binding::Contains(const std::vector<ExprPtr>& exprs, const Expr& expr) {
   return std::any_of(exprs.begin(), exprs.end(),

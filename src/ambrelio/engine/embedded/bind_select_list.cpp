@@ -38,8 +38,8 @@ void Binding::BindStar(const sql::SelectItem& item, const Scope& scope, Query& q
                        std::vector<const Relation*>& origins) {
   bool any = false;
   for (const Relation& relation : scope.relations) {
-    const bool asked = item.qualifier.empty() ? relation.depth == 0
-                                              : SameName(relation.name(), item.qualifier);
+    const bool asked =
+        item.qualifier.empty() ? relation.depth == 0 : SameName(relation.name(), item.qualifier);
     if (!asked) continue;
     any = true;
     for (int i = 0; i < relation.ColumnCount(); ++i) {
@@ -91,7 +91,7 @@ void Binding::BindItems(const std::vector<sql::SelectItem>& items, const Scope& 
     std::string& name = query.columns[i].name;
     if (!taken[i]) continue;
     if (origins[i] == nullptr) Fail(DaoError::kDuplicateOutputAlias, name);
-    name = origins[i]->name() + "." + name;
+    name.insert(0, origins[i]->name() + ".");
   }
   // What still has the name of another is the same column once more.
   for (size_t i = 0; i < taken.size(); ++i) {
@@ -137,9 +137,8 @@ void Binding::BindOrder(const sql::Query& query, Query& result) {
 }
 
 void Binding::CompleteOrder(Query& query) {
-  std::erase_if(query.order, [](const bound::OrderKey& key) {
-    return key.expr->kind == ExprKind::kLiteral;
-  });
+  std::erase_if(query.order,
+                [](const bound::OrderKey& key) { return key.expr->kind == ExprKind::kLiteral; });
   query.stated_order = query.order.size();
   std::vector<ExprPtr> keys;
   if (query.select) {

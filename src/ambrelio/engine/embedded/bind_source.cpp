@@ -70,9 +70,8 @@ bool Mentions(const bound::Expr& expr, const Source& side) {
   bool found = false;
   bound::ForEachExpr(expr, [&](const bound::Expr& part) {
     if (part.kind != bound::ExprKind::kColumn) return;
-    bound::ForEachLeaf(side, [&](const Source& leaf) {
-      found = found || leaf.id == part.column.source;
-    });
+    bound::ForEachLeaf(side,
+                       [&](const Source& leaf) { found = found || leaf.id == part.column.source; });
   });
   return found;
 }

@@ -152,7 +152,8 @@ Source Binding::FlattenQuery(const sql::Query& query, const std::string& name, S
   }
   const Scope* outside = scope_;
   scope_ = &inside;
-  if (tree.where) condition = bound::MakeAnd(std::move(condition), BindExpr(*tree.where, Place::kWhere));
+  if (tree.where)
+    condition = bound::MakeAnd(std::move(condition), BindExpr(*tree.where, Place::kWhere));
   BindItems(tree.items, inside, *inner);
   scope_ = outside;
   if (saw_aggregate_) Fail(DaoError::kNotUpdatable);
@@ -177,8 +178,7 @@ bound::Update Binding::BindUpdate(const sql::Update& update) {
   }
   scope_ = &scope;
   for (const Source& source : result.from) {
-    bound::ForEachLeaf(source,
-                       [&](const Source& leaf) { AppendKeys(leaf, scope.row_keys); });
+    bound::ForEachLeaf(source, [&](const Source& leaf) { AppendKeys(leaf, scope.row_keys); });
   }
   if (update.where) {
     condition = bound::MakeAnd(std::move(condition), BindExpr(*update.where, Place::kWhere));
@@ -196,19 +196,16 @@ void Binding::BindAssignment(const sql::Assignment& assignment, bound::Update& u
   name.kind = sql::ExprKind::kColumn;
   name.qualifier = assignment.qualifier;
   name.name = assignment.column;
-  const size_t unknown_before = unknown_names_.size();
   const ExprPtr target = BindColumn(name, Place::kValue);
   if (target->kind != bound::ExprKind::kColumn) {
     // A name that nothing provides is reported with the others, in the end.
-    const bool unknown = target->kind == bound::ExprKind::kLiteral &&
-                         (unknown_names_.size() != unknown_before || !unknown_names_.empty());
-    if (unknown) return;
+    if (!unknown_names_.empty()) return;
     Fail(DaoError::kNotUpdatable, assignment.column);
   }
   const bound::ColumnRef& column = target->column;
-  auto entry = std::find_if(
-      update.targets.begin(), update.targets.end(),
-      [&](const bound::UpdateTarget& other) { return other.source == column.source; });
+  auto entry =
+      std::find_if(update.targets.begin(), update.targets.end(),
+                   [&](const bound::UpdateTarget& other) { return other.source == column.source; });
   if (entry == update.targets.end()) {
     update.targets.push_back({column.source, column.table, {}});
     entry = update.targets.end() - 1;
@@ -229,13 +226,12 @@ bound::Delete Binding::BindDelete(const sql::Delete& statement) {
   if (statement.where) result.where = BindExpr(*statement.where, Place::kWhere);
   scope_ = nullptr;
 
-  const bool only_source =
-      result.from.size() == 1 && result.from[0].kind != Source::Kind::kJoin;
+  const bool only_source = result.from.size() == 1 && result.from[0].kind != Source::Kind::kJoin;
   bool named = false;
   for (const Source& source : result.from) {
     bound::ForEachLeaf(source, [&](const Source& leaf) {
-      const bool is_target = statement.target.empty() ? only_source
-                                                      : SameName(leaf.name, statement.target);
+      const bool is_target =
+          statement.target.empty() ? only_source : SameName(leaf.name, statement.target);
       if (!is_target) return;
       named = true;
       result.target = leaf.id;

@@ -94,10 +94,9 @@ bool SameExpr(const Expr& a, const Expr& b, bool& literals_compared) {
   }
   // Queries inside expressions are never taken for one another.
   if (a.query || b.query) return false;
-  return std::equal(a.args.begin(), a.args.end(), b.args.begin(),
-                    [&](const ExprPtr& x, const ExprPtr& y) {
-                      return SameExpr(*x, *y, literals_compared);
-                    });
+  return std::equal(
+      a.args.begin(), a.args.end(), b.args.begin(),
+      [&](const ExprPtr& x, const ExprPtr& y) { return SameExpr(*x, *y, literals_compared); });
 }
 
 ExprPtr MakeLiteral(Variant value, ValueType type) {

@@ -65,7 +65,8 @@ struct Expr {
   ExprKind kind = ExprKind::kLiteral;
   ValueType type = ValueType::kNull;
   Variant literal;
-  int slot = -1;  // of a literal: which of the statement's literals it is, -1 when it is no parameter
+  int slot =
+      -1;  // of a literal: which of the statement's literals it is, -1 when it is no parameter
   ColumnRef column;
   sql::BinaryOp op = sql::BinaryOp::kAdd;
   bool negated = false;
@@ -137,11 +138,11 @@ struct FieldValue {
 
 struct Insert {
   const TableInfo* table = nullptr;
-  std::vector<FieldValue> values;              // of `values (...)`
-  std::unique_ptr<Query> query;                // or a query with one column for each of `fields`
+  std::vector<FieldValue> values;  // of `values (...)`
+  std::unique_ptr<Query> query;    // or a query with one column for each of `fields`
   std::vector<const FieldInfo*> fields;
-  std::vector<FieldValue> defaults;            // fields left out that have a value all the same
-  std::vector<const FieldInfo*> counters;      // automatic numbers left out
+  std::vector<FieldValue> defaults;        // fields left out that have a value all the same
+  std::vector<const FieldInfo*> counters;  // automatic numbers left out
 };
 
 struct UpdateTarget {

@@ -79,9 +79,8 @@ std::string DefaultText(const sql::Expr& expr) {
 }
 
 FieldInfo MakeField(const sql::ColumnDefinition& column) {
-  const auto* type = std::find_if(kTypeNames.begin(), kTypeNames.end(), [&](const TypeName& entry) {
-    return entry.name == column.type;
-  });
+  const auto* type = std::find_if(kTypeNames.begin(), kTypeNames.end(),
+                                  [&](const TypeName& entry) { return entry.name == column.type; });
   if (type == kTypeNames.end()) {
     dao::Raise(DaoError::kFieldDefinitionSyntax, kSource, column.type);
   }

@@ -74,9 +74,9 @@ struct NamedAggregate {
 };
 
 constexpr std::array kAggregates = {
-    NamedAggregate{"avg", Aggregate::kAverage},   NamedAggregate{"count", Aggregate::kCount},
-    NamedAggregate{"first", Aggregate::kFirst},   NamedAggregate{"last", Aggregate::kLast},
-    NamedAggregate{"max", Aggregate::kMaximum},   NamedAggregate{"min", Aggregate::kMinimum},
+    NamedAggregate{"avg", Aggregate::kAverage}, NamedAggregate{"count", Aggregate::kCount},
+    NamedAggregate{"first", Aggregate::kFirst}, NamedAggregate{"last", Aggregate::kLast},
+    NamedAggregate{"max", Aggregate::kMaximum}, NamedAggregate{"min", Aggregate::kMinimum},
     NamedAggregate{"sum", Aggregate::kSum},
 };
 

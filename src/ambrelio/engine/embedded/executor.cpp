@@ -1,6 +1,5 @@
 #include "ambrelio/engine/embedded/executor.h"
 
-#include <cctype>
 #include <functional>
 
 #include "ambrelio/dao/errors.h"
@@ -41,11 +40,37 @@ bool IsName(std::string_view text) {
   return !text.empty() && text.find_first_of(" \t\r\n()'\"#") == std::string_view::npos;
 }
 
+// Outside of transactions, one for everything that the opening of a recordset reads: it sees one
+// state of the file, whose locks are taken once.
+class ReadTransaction {
+ public:
+  ReadTransaction(Storage& storage, StorageStatement& begin, StorageStatement& end)
+      : end_(storage.level() == 0 ? &end : nullptr) {
+    if (end_ == nullptr) return;
+    begin.Step();
+    begin.Reset();
+  }
+  ~ReadTransaction() {
+    if (end_ == nullptr) return;
+    sqlite3_step(end_->raw());
+    sqlite3_reset(end_->raw());
+  }
+  ReadTransaction(const ReadTransaction&) = delete;
+  ReadTransaction& operator=(const ReadTransaction&) = delete;
+
+ private:
+  StorageStatement* end_;
+};
+
 }  // namespace
 
 class Executor::Impl {
  public:
-  Impl(Storage& storage, CatalogueStore& catalogue) : storage_(storage), catalogue_(catalogue) {}
+  Impl(Storage& storage, CatalogueStore& catalogue)
+      : storage_(storage),
+        catalogue_(catalogue),
+        begin_reading_(storage.raw(), "begin"),
+        end_reading_(storage.raw(), "commit") {}
 
   int32_t Execute(const std::string& sql, bool fail_on_error) {
     const Catalogue& catalogue = Refresh();
@@ -71,13 +96,13 @@ class Executor::Impl {
 
   std::unique_ptr<dao::Recordset> Open(const std::string& source, dao::RecordsetType type,
                                        Liveness alive) {
+    const ReadTransaction reading(storage_, begin_reading_, end_reading_);
     const Catalogue& catalogue = Refresh();
     const std::string sql = SelectText(source, catalogue);
     const sql::Shape shape = sql::ShapeOf(sql);
     const bool as_snapshot = type == dao::RecordsetType::kSnapshot;
     const auto prepare = [&] {
-      return PrepareQuery(sql::Parse(sql), catalogue, storage_, shape.literals.size(),
-                          as_snapshot);
+      return PrepareQuery(sql::Parse(sql), catalogue, storage_, shape.literals.size(), as_snapshot);
     };
     Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
     BindLiterals(lease->main, shape.literals);
@@ -155,6 +180,8 @@ class Executor::Impl {
 
   Storage& storage_;
   CatalogueStore& catalogue_;
+  StorageStatement begin_reading_;
+  StorageStatement end_reading_;
   std::shared_ptr<StatementCache> cache_ = std::make_shared<StatementCache>();
 };
 

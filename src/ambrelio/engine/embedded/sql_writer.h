@@ -48,8 +48,8 @@ class SqlWriter {
   struct Wanted {
     bool order = false;
     bool keys = false;
-    bool collated = false;          // its texts decide about equal rows
-    const Types* types = nullptr;   // of the columns, where they are not the select's own
+    bool collated = false;         // its texts decide about equal rows
+    const Types* types = nullptr;  // of the columns, where they are not the select's own
   };
   std::string Query(const bound::Query& query, const Wanted& wanted);
   std::string Select(const bound::Query& query, const Wanted& wanted);

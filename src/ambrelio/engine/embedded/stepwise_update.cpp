@@ -61,8 +61,9 @@ bool WriteTarget(Storage& storage, const StorageStatement& values, Prepared::Tar
   StorageStatement& write = target.write;
   int parameter = 0;
   for (size_t i = 0; i < target.value_count; ++i) {
-    sqlite3_bind_value(write.raw(), ++parameter,
-                       sqlite3_column_value(values.raw(), static_cast<int>(target.first_value + i)));
+    sqlite3_bind_value(
+        write.raw(), ++parameter,
+        sqlite3_column_value(values.raw(), static_cast<int>(target.first_value + i)));
   }
   write.Bind(parameter + 1, row_id);
   write.Step();

@@ -91,8 +91,8 @@ std::string TranslateInsert(const bound::Insert& insert, bool strict) {
     add(*counter, "(SELECT coalesce(max(" + QuoteName(counter->name) + "), 0) FROM " + table +
                       ") + " + (insert.query ? "row_number() OVER ()" : "1"));
   }
-  std::string text = std::string("INSERT ") + OnConflict(strict) + "INTO " + table + " (" + names +
-                     ")";
+  std::string text =
+      std::string("INSERT ") + OnConflict(strict) + "INTO " + table + " (" + names + ")";
   if (!insert.query) return text + " VALUES (" + values + ")";
   return text + " SELECT " + values + " FROM (" + writer.Ordered(*insert.query) + ")";
 }
@@ -132,14 +132,14 @@ bool GoesRowByRow(const bound::Update& update) {
 std::string TranslateUpdate(const bound::Update& update, bool strict) {
   SqlWriter writer;
   const bound::UpdateTarget& target = update.targets.front();
-  std::string text = std::string("UPDATE ") + OnConflict(strict) +
-                     QuoteName(target.table->name) + Alias(target.source) + " SET ";
+  std::string text = std::string("UPDATE ") + OnConflict(strict) + QuoteName(target.table->name) +
+                     Alias(target.source) + " SET ";
   bool first = true;
   for (const bound::FieldValue& value : target.values) {
     if (!first) text += ", ";
     first = false;
-    text += QuoteName(value.field->name) + " = " +
-            writer.Stored(*value.field, *value.value, strict);
+    text +=
+        QuoteName(value.field->name) + " = " + writer.Stored(*value.field, *value.value, strict);
   }
   if (update.where) text += " WHERE " + writer.Condition(*update.where);
   return text;

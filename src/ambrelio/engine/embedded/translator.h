@@ -38,9 +38,9 @@ std::string TranslateUpdate(const bound::Update& update, bool strict);
 // then, and written to each target.
 struct StepwiseUpdateSql {
   struct Target {
-    size_t source = 0;        // which of the row ids is that of the row to write
-    std::string write;        // parameters: the target's values, then the row id
-    size_t first_value = 0;   // where its values stand in `values`
+    size_t source = 0;       // which of the row ids is that of the row to write
+    std::string write;       // parameters: the target's values, then the row id
+    size_t first_value = 0;  // where its values stand in `values`
     size_t value_count = 0;
   };
   std::string rows;    // one row id for each source, Null where the optional side has no partner

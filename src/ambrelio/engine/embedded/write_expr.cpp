@@ -211,8 +211,8 @@ std::string SqlWriter::Predicate(const Expr& expr) {
     case ExprKind::kIsNull:
       return "(" + Value(*expr.args[0]) + " IS" + negation + " NULL)";
     case ExprKind::kBetween:
-      return Comparison(expr, negation + " BETWEEN " + Value(*expr.args[1]) + " AND " +
-                                  Value(*expr.args[2]));
+      return Comparison(
+          expr, negation + " BETWEEN " + Value(*expr.args[1]) + " AND " + Value(*expr.args[2]));
     case ExprKind::kIn: {
       std::string list;
       for (size_t i = 1; i < expr.args.size(); ++i) {
@@ -229,8 +229,8 @@ std::string SqlWriter::Predicate(const Expr& expr) {
   }
   switch (expr.op) {
     case BinaryOp::kLike:
-      return "(" + negation + " " +
-             CallText("jet_like", Text(*expr.args[0]), Text(*expr.args[1])) + ")";
+      return "(" + negation + " " + CallText("jet_like", Text(*expr.args[0]), Text(*expr.args[1])) +
+             ")";
     case BinaryOp::kAnd:
     case BinaryOp::kOr:
       return Bracketed(condition(0), Symbol(expr.op), condition(1));

@@ -114,8 +114,8 @@ std::string SqlWriter::Top(const bound::Query& query, const Wanted& wanted) {
     stated_order += (i == 0 ? " ORDER BY " : ", ") + Key(*query.order[i].expr);
     if (query.order[i].descending) stated_order += " DESC";
   }
-  const std::string rank = stated_order.empty() ? "row_number() OVER (" + full_order
-                                                : "rank() OVER (" + stated_order;
+  const std::string rank =
+      stated_order.empty() ? "row_number() OVER (" + full_order : "rank() OVER (" + stated_order;
   const std::string items = Items(query, wanted);
   std::string text = "SELECT " + OutputNames(query, wanted.keys) + " FROM (SELECT " + items +
                      ", row_number() OVER (" + full_order + ") AS place, " + rank +
@@ -146,8 +146,12 @@ std::string SqlWriter::UnionByGrouping(const bound::Query& query, const Types& t
   for (size_t i = 0; i < types.size(); ++i) {
     const std::string name = "c" + std::to_string(i);
     const bool text = IsText(types[i]);
-    items += (i == 0 ? "" : ", ") + (text ? "jet_first(" + name + ", side, place) AS " + name : name);
-    groups += (i == 0 ? "" : ", ") + name + (text ? std::string(" COLLATE ") + kCollation : "");
+    const char* const separator = i == 0 ? "" : ", ";
+    items += separator;
+    if (text) items.append("jet_first(").append(name).append(", side, place) AS ");
+    items += name;
+    groups += separator + name;
+    if (text) groups += std::string(" COLLATE ") + kCollation;
   }
   const auto numbered = [&](const bound::Query& operand, const char* side) {
     return "SELECT *, " + std::string(side) + " AS side, row_number() OVER () AS place FROM (" +
@@ -163,8 +167,8 @@ std::string SqlWriter::Union(const bound::Query& query, const Types& types) {
   }
   // The storage engine takes operands from left to right, as an unbracketed left operand wants it.
   const bool chained = !query.left->select && query.left->union_all == query.union_all;
-  const std::string left = chained ? Union(*query.left, types)
-                                   : Operand(*query.left, types, query.union_all);
+  const std::string left =
+      chained ? Union(*query.left, types) : Operand(*query.left, types, query.union_all);
   return left + (query.union_all ? " UNION ALL " : " UNION ") +
          Operand(*query.right, types, query.union_all);
 }
