@@ -36,6 +36,8 @@ function(ambrelio_room_tests folder)
   target_include_directories(${name}_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name}_tests PRIVATE ambrelio_warnings ${TESTS_LINKS} GTest::gmock_main)
   target_compile_definitions(${name}_tests PRIVATE AMBRELIO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  # The test framework costs more to read than most tests.
+  target_precompile_headers(${name}_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
   gtest_discover_tests(${name}_tests TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300)
 endfunction()

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "ambrelio/dao/errors.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/platform/file_path.h"
 #include "ambrelio/value/automation_error.h"
@@ -72,9 +73,19 @@ class Unfinished {
 };
 
 void CreateEmpty(Session& session, const frame::DatabaseSettings& settings) {
+  std::error_code ignored;
+  if (std::filesystem::exists(std::filesystem::symlink_status(FilePath(settings.path), ignored))) {
+    FailExisting(settings.path);
+  }
+  Unfinished unfinished(settings.path);
   try {
     host::CreateMillDatabase(session.Engine(), settings.path, settings.password);
+    unfinished.Keep();
   } catch (const AutomationError& error) {
+    if (error.number() == static_cast<int>(dao::DaoError::kDatabaseExists)) {
+      unfinished.Keep();  // somebody else was faster
+      FailExisting(settings.path);
+    }
     throw Failure(ExitCode::kFileProblem,
                   fmt::format("the database '{}' cannot be created: error {}: {}", settings.path,
                               error.number(), error.description()));
@@ -105,10 +116,9 @@ void RunCreate(const CreateOptions& options, Context& context) {
   session.UseEngine(trace.MakeEngine());
   const frame::DatabaseSettings settings = ReadSettings(session, options.mill);
   if (!options.masters.empty()) CheckMasters(options.masters);
-  if (Exists(settings.path)) FailExisting(settings.path);
 
-  Unfinished unfinished(settings.path);
   CreateEmpty(session, settings);
+  Unfinished unfinished(settings.path);
   std::string report = fmt::format("{} created\n", settings.path);
   if (!options.masters.empty()) report += LoadMasters(session, settings, options.masters);
   unfinished.Keep();

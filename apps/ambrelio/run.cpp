@@ -64,7 +64,9 @@ void Declare(CLI::App& app, Context& context) {
 void KeepListsWhole(std::vector<std::string>& arguments) {
   const auto call = std::find(arguments.begin(), arguments.end(), "call");
   for (auto argument = call; argument != arguments.end(); ++argument) {
-    if (argument->starts_with('[') && !(argument - 1)->starts_with("--")) argument->insert(0, " ");
+    if (!argument->starts_with('[')) continue;
+    const std::string& before = *(argument - 1);
+    if (before != "--app" && before != "--trace") argument->insert(0, " ");
   }
 }
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ambrelio/engine/embedded/functions.h"
+#include "ambrelio/engine/embedded/functions/functions.h"
 #include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/ole_date.h"
 

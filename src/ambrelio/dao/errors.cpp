@@ -14,6 +14,7 @@ struct Sentence {
 
 // In ascending order of the numbers.
 constexpr std::array kSentences = {
+    Sentence{DaoError::kReserved, "Data access error. %"},
     Sentence{DaoError::kTooManyTransactions, "Too many transactions are nested; five is the most."},
     Sentence{DaoError::kInvalidDatabaseName, "'%' is not a valid database name."},
     Sentence{DaoError::kTableLocked, "The table '%' is in use and cannot be locked."},
@@ -53,7 +54,13 @@ constexpr std::array kSentences = {
     Sentence{DaoError::kAmbiguousColumn,
              "The field '%' could refer to more than one table of the from clause."},
     Sentence{DaoError::kUndefinedFunction, "Undefined function '%' in expression."},
+    Sentence{DaoError::kOrderByDistinct, "The order by clause (%) conflicts with distinct."},
+    Sentence{DaoError::kAggregateInExpression, "Aggregate functions cannot be nested: '%'."},
     Sentence{DaoError::kAggregateInWhere, "An aggregate function cannot stand here: '%'."},
+    Sentence{DaoError::kAggregateInGroupBy,
+             "An aggregate function cannot stand in the group by clause: '%'."},
+    Sentence{DaoError::kAggregateInJoin, "An aggregate function cannot stand in a join: '%'."},
+    Sentence{DaoError::kCircularQuery, "The query '%' refers to itself."},
     Sentence{DaoError::kCircularAlias,
              "Circular reference caused by alias '%' in the select list of the query."},
     Sentence{DaoError::kNotGrouped,
@@ -79,6 +86,8 @@ constexpr std::array kSentences = {
     Sentence{DaoError::kWhereSyntax, "Syntax error in the where clause near '%'."},
     Sentence{DaoError::kTextTooLong, "The text is too long for the field '%'."},
     Sentence{DaoError::kRecordDeleted, "The record was deleted."},
+    Sentence{DaoError::kUnknownDatabaseType, "This engine opens no database of the type '%'."},
+    Sentence{DaoError::kTooManyFields, "Too many fields are defined."},
     Sentence{DaoError::kFieldExists, "The field '%' is defined more than once."},
     Sentence{DaoError::kUnknownInsertTable, "The table '%' to insert into does not exist."},
     Sentence{DaoError::kDatabaseExists, "The database '%' already exists."},
@@ -93,6 +102,7 @@ constexpr std::array kSentences = {
     Sentence{DaoError::kAlreadyAppended, "The object '%' already belongs to a collection."},
     Sentence{DaoError::kFixedAfterAppend,
              "The property cannot be set once the object is part of a collection: '%'."},
+    Sentence{DaoError::kFieldInIndex, "The field '%' is part of an index and cannot be deleted."},
     Sentence{DaoError::kPrimaryKeyExists, "The table '%' already has a primary key."},
     Sentence{DaoError::kIndexExists, "The index '%' already exists."},
     Sentence{DaoError::kDefinitionSyntax, "Syntax error in the create table statement near '%'."},
@@ -101,6 +111,9 @@ constexpr std::array kSentences = {
     Sentence{DaoError::kAlterSyntax, "Syntax error in the alter table statement near '%'."},
     Sentence{DaoError::kDropSyntax, "Syntax error in the drop statement near '%'."},
     Sentence{DaoError::kJoinNotSupported, "The join expression is not supported: '%'."},
+    Sentence{DaoError::kSubqueryColumns, "A subquery here may give one column only. %"},
+    Sentence{DaoError::kUnionColumns,
+             "The queries of a union give different numbers of columns. %"},
     Sentence{DaoError::kNullInRequiredField, "The field '%' cannot hold a Null value."},
     Sentence{DaoError::kZeroLengthText, "The field '%' cannot hold a text of length zero."},
     Sentence{DaoError::kUnionSyntax, "Syntax error in the union query near '%'."},
@@ -127,7 +140,7 @@ static_assert(std::is_sorted(kSentences.begin(), kSentences.end(),
 std::string Describe(DaoError error, const std::string& detail) {
   const auto* entry = std::find_if(kSentences.begin(), kSentences.end(),
                                    [&](const Sentence& s) { return s.error == error; });
-  std::string text = entry == kSentences.end() ? "Data access error. %" : entry->text;
+  std::string text = entry == kSentences.end() ? kSentences.front().text : entry->text;
   if (const size_t mark = text.find('%'); mark != std::string::npos) text.replace(mark, 1, detail);
   while (!text.empty() && text.back() == ' ') text.pop_back();
   return text;

@@ -8,6 +8,7 @@
 namespace ambrelio::dao {
 
 enum class DaoError : int {
+  kReserved = 3000,  // what has no number of its own
   kTooManyTransactions = 3003,
   kInvalidDatabaseName = 3005,
   kTableLocked = 3008,
@@ -61,6 +62,8 @@ enum class DaoError : int {
   kWhereSyntax = 3145,
   kTextTooLong = 3163,
   kRecordDeleted = 3167,
+  kUnknownDatabaseType = 3170,
+  kTooManyFields = 3190,
   kFieldExists = 3191,
   kUnknownInsertTable = 3192,
   kDatabaseExists = 3204,
@@ -73,6 +76,7 @@ enum class DaoError : int {
   kNotInCollection = 3265,
   kAlreadyAppended = 3266,
   kFixedAfterAppend = 3268,
+  kFieldInIndex = 3280,
   kPrimaryKeyExists = 3283,
   kIndexExists = 3284,
   kDefinitionSyntax = 3290,

@@ -92,7 +92,8 @@ TEST_F(CallCommand, TakesEveryKindOfArgument) {
   EXPECT_EQ(Out({"Deposito(3).EntradaNivel", "-", "-", "470"}), "sí\n");
   EXPECT_EQ(Query("select Momento, Nivel, Litros from Niveles where Item=2"),
             R"({"result":[["2025-11-03 12:00:00",null,480.5]]})");
-  EXPECT_EQ(Out({"Deposito(3).NuevoVaciado", "0", "50", "-", R"([2,"007",7,3,"Jaén"])"}), "1\n");
+  EXPECT_EQ(Out({"Deposito(3).NuevoVaciado", "0", "50", "-", "--json", R"([2,"007",7,3,"Jaén"])"}),
+            "{\"result\":1}\n");
   EXPECT_EQ(Out({"Deposito(3).Vaciado(1).Lote"}), "007\n");
   EXPECT_EQ(Out({"Deposito(3).Vaciado(1).fijarUso", "2", "7", "3", "0042"}), "sí\n");
   EXPECT_EQ(Out({"Deposito(3).Vaciado(1).DestinoVenta"}), "0042\n");

@@ -71,6 +71,7 @@ TEST_F(Program, ReplaysTheExampleSeasonWithoutAnError) {
                              "/examples/campana/journal.jsonl'");
   EXPECT_EQ(outcome.code, 0) << outcome.err;
   EXPECT_EQ(outcome.lines().size(), 6573U);
+  EXPECT_THAT(outcome.out, testing::Not(HasSubstr("\"error\"")));
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "ambrelio/engine/embedded/storage.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
 #include "support/engine_test.h"
 #include "support/forked.h"
 

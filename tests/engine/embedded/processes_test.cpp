@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "ambrelio/engine/embedded/storage.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
 #include "support/engine_test.h"
 #include "support/forked.h"
 

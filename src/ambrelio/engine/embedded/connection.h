@@ -4,10 +4,10 @@
 
 #include <memory>
 
-#include "ambrelio/engine/embedded/catalogue_store.h"
-#include "ambrelio/engine/embedded/executor.h"
-#include "ambrelio/engine/embedded/storage.h"
-#include "ambrelio/engine/embedded/transactions.h"
+#include "ambrelio/engine/embedded/execution/executor.h"
+#include "ambrelio/engine/embedded/storage/catalogue_store.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
+#include "ambrelio/engine/embedded/storage/transactions.h"
 
 namespace ambrelio::embedded {
 

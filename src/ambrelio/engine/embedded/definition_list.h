@@ -9,7 +9,7 @@
 
 #include "ambrelio/dao/collection.h"
 #include "ambrelio/dao/errors.h"
-#include "ambrelio/engine/embedded/catalogue.h"
+#include "ambrelio/engine/embedded/storage/catalogue.h"
 
 namespace ambrelio::embedded {
 

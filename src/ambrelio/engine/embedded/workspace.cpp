@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "ambrelio/engine/embedded/catalogue_store.h"
 #include "ambrelio/engine/embedded/connection.h"
 #include "ambrelio/engine/embedded/database.h"
-#include "ambrelio/engine/embedded/password.h"
+#include "ambrelio/engine/embedded/storage/catalogue_store.h"
+#include "ambrelio/engine/embedded/storage/password.h"
 
 namespace ambrelio::embedded {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "ambrelio/dao/database.h"
-#include "ambrelio/engine/embedded/storage.h"
-#include "ambrelio/engine/embedded/transactions.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
+#include "ambrelio/engine/embedded/storage/transactions.h"
 
 namespace ambrelio::embedded {
 

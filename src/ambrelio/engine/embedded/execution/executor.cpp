@@ -1,0 +1,202 @@
+#include "ambrelio/engine/embedded/execution/executor.h"
+
+#include <functional>
+
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/execution/data_definition.h"
+#include "ambrelio/engine/embedded/execution/preparation.h"
+#include "ambrelio/engine/embedded/execution/recordset.h"
+#include "ambrelio/engine/embedded/execution/statement_cache.h"
+#include "ambrelio/engine/embedded/execution/stepwise_update.h"
+#include "ambrelio/engine/embedded/sql/lexer.h"
+#include "ambrelio/engine/embedded/sql/parser.h"
+
+namespace ambrelio::embedded {
+
+namespace {
+
+using dao::DaoError;
+
+// What a statement is prepared for: part of its key in the cache.
+enum class Use : char { kDynaset = 'd', kSnapshot = 's', kWrite = 'w', kStrictWrite = 'f' };
+
+void BindLiterals(StorageStatement& statement, const std::vector<Variant>& literals) {
+  const int wanted = sqlite3_bind_parameter_count(statement.raw());
+  for (int i = 0; i < wanted && i < static_cast<int>(literals.size()); ++i) {
+    statement.Bind(i + 1, literals[static_cast<size_t>(i)]);
+  }
+}
+
+std::string_view Trimmed(std::string_view text) {
+  const auto is_blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && (is_blank(text.back()) || text.back() == ';')) text.remove_suffix(1);
+  return text;
+}
+
+// Whether the text can be nothing but the name of a table or query.
+bool IsName(std::string_view text) {
+  if (text.size() > 2 && text.front() == '[') return text.find(']') == text.size() - 1;
+  return !text.empty() && text.find_first_of(" \t\r\n()'\"#") == std::string_view::npos;
+}
+
+// Outside of transactions, one for everything that the opening of a recordset reads: it sees one
+// state of the file, whose locks are taken once.
+class ReadTransaction {
+ public:
+  ReadTransaction(Storage& storage, StorageStatement& begin, StorageStatement& end)
+      : end_(storage.level() == 0 ? &end : nullptr) {
+    if (end_ == nullptr) return;
+    begin.Step();
+    begin.Reset();
+  }
+  ~ReadTransaction() {
+    if (end_ == nullptr) return;
+    sqlite3_step(end_->raw());
+    sqlite3_reset(end_->raw());
+  }
+  ReadTransaction(const ReadTransaction&) = delete;
+  ReadTransaction& operator=(const ReadTransaction&) = delete;
+
+ private:
+  StorageStatement* end_;
+};
+
+}  // namespace
+
+class Executor::Impl {
+ public:
+  Impl(Storage& storage, CatalogueStore& catalogue)
+      : storage_(storage),
+        catalogue_(catalogue),
+        begin_reading_(storage.raw(), "begin"),
+        end_reading_(storage.raw(), "commit") {}
+
+  int32_t Execute(const std::string& sql, bool fail_on_error) {
+    const Catalogue& catalogue = Refresh();
+    const sql::Shape shape = sql::ShapeOf(sql);
+    bool defined = false;
+    const auto prepare = [&] {
+      const sql::Statement statement = sql::Parse(sql);
+      defined = TryDefine(statement);
+      if (defined) return Preparation{};
+      return PrepareWrite(statement, catalogue, storage_, shape.literals.size(), fail_on_error);
+    };
+    Lease lease = Get(shape, sql, fail_on_error ? Use::kStrictWrite : Use::kWrite, prepare);
+    if (defined) return 0;
+    try {
+      return Write(*lease, shape.literals);
+    } catch (const AutomationError& error) {
+      // What others hold is skipped like any other row that cannot be written.
+      const bool locked = error.number() == static_cast<int>(DaoError::kRecordLocked);
+      if (fail_on_error || !locked) throw;
+      return 0;
+    }
+  }
+
+  std::unique_ptr<dao::Recordset> Open(const std::string& source, dao::RecordsetType type,
+                                       Liveness alive) {
+    const ReadTransaction reading(storage_, begin_reading_, end_reading_);
+    const Catalogue& catalogue = Refresh();
+    const std::string sql = SelectText(source, catalogue);
+    const sql::Shape shape = sql::ShapeOf(sql);
+    const bool as_snapshot = type == dao::RecordsetType::kSnapshot;
+    const auto prepare = [&] {
+      return PrepareQuery(sql::Parse(sql), catalogue, storage_, shape.literals.size(), as_snapshot);
+    };
+    Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
+    BindLiterals(lease->main, shape.literals);
+    if (lease->row) {
+      std::vector<int64_t> row_ids;
+      while (lease->main.Step()) row_ids.push_back(lease->main.Integer(0));
+      lease->main.Reset();
+      BindLiterals(*lease->row, shape.literals);
+      return OpenDynaset(std::move(row_ids), std::move(lease), std::move(alive));
+    }
+    RowBuffer rows(lease->columns);
+    while (lease->main.Step()) rows.Append(lease->main);
+    return OpenSnapshot(std::move(rows), lease->columns, std::move(alive));
+  }
+
+ private:
+  const Catalogue& Refresh() {
+    const Catalogue& catalogue = catalogue_.Current();
+    cache_->KeepVersion(catalogue_.version());
+    return catalogue;
+  }
+
+  // The statement for the text, from the cache or newly prepared.
+  Lease Get(const sql::Shape& shape, const std::string& sql, Use use,
+            const std::function<Preparation()>& prepare) {
+    std::string key = shape.key;
+    key += static_cast<char>(use);
+    bool by_text = false;
+    std::unique_ptr<Prepared> prepared = cache_->Take(key, by_text);
+    if (by_text) prepared = cache_->Take(key += sql, by_text);
+    if (prepared) return {std::move(prepared), cache_};
+    Preparation made = prepare();
+    if (made.prepared) {
+      if (made.by_text) {
+        cache_->MarkByText(shape.key + static_cast<char>(use));
+        key = shape.key + static_cast<char>(use) + sql;
+      }
+      made.prepared->key = std::move(key);
+      made.prepared->version = catalogue_.version();
+    }
+    return {std::move(made.prepared), cache_};
+  }
+
+  int32_t Write(Prepared& prepared, const std::vector<Variant>& literals) {
+    BindLiterals(prepared.main, literals);
+    if (prepared.stepwise) {
+      BindLiterals(prepared.stepwise->values, literals);
+      return UpdateStepwise(storage_, prepared);
+    }
+    prepared.main.Step();
+    return static_cast<int32_t>(storage_.Changes());
+  }
+
+  // Whether the statement was a data definition, which is carried out then.
+  bool TryDefine(const sql::Statement& statement) {
+    return std::visit(
+        [&](const auto& definition) {
+          constexpr bool kDefines = requires { Define(definition, catalogue_); };
+          if constexpr (kDefines) Define(definition, catalogue_);
+          return kDefines;
+        },
+        statement);
+  }
+
+  // A name alone stands for everything in the table or query.
+  static std::string SelectText(const std::string& source, const Catalogue& catalogue) {
+    std::string_view name = Trimmed(source);
+    if (!IsName(name)) return source;
+    if (name.front() == '[') name = name.substr(1, name.size() - 2);
+    if (catalogue.FindTable(name) == nullptr && catalogue.FindQuery(name) == nullptr) {
+      dao::Raise(DaoError::kUnknownTable, "DAO.Database", std::string(name));
+    }
+    return "select * from [" + std::string(name) + "]";
+  }
+
+  Storage& storage_;
+  CatalogueStore& catalogue_;
+  StorageStatement begin_reading_;
+  StorageStatement end_reading_;
+  std::shared_ptr<StatementCache> cache_ = std::make_shared<StatementCache>();
+};
+
+Executor::Executor(Storage& storage, CatalogueStore& catalogue)
+    : impl_(std::make_unique<Impl>(storage, catalogue)) {}
+
+Executor::~Executor() = default;
+
+int32_t Executor::Execute(const std::string& sql, bool fail_on_error) {
+  return impl_->Execute(sql, fail_on_error);
+}
+
+std::unique_ptr<dao::Recordset> Executor::Open(const std::string& source, dao::RecordsetType type,
+                                               Liveness alive) {
+  return impl_->Open(source, type, std::move(alive));
+}
+
+}  // namespace ambrelio::embedded

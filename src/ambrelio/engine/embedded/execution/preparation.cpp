@@ -1,0 +1,86 @@
+#include "ambrelio/engine/embedded/execution/preparation.h"
+
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/binder/binder.h"
+#include "ambrelio/engine/embedded/translator/translator.h"
+
+namespace ambrelio::embedded {
+
+namespace {
+
+std::unique_ptr<Prepared> PrepareText(Storage& storage, const std::string& sql) {
+  return std::make_unique<Prepared>(StorageStatement(storage.raw(), sql));
+}
+
+std::unique_ptr<Prepared> PrepareUpdate(const bound::Update& update, Storage& storage,
+                                        size_t literal_count, bool strict) {
+  if (!GoesRowByRow(update)) return PrepareText(storage, TranslateUpdate(update, strict));
+  const StepwiseUpdateSql sql =
+      TranslateStepwise(update, strict, static_cast<int>(literal_count) + 1);
+  auto prepared = PrepareText(storage, sql.rows);
+  prepared->row_parameter = static_cast<int>(literal_count) + 1;
+  prepared->stepwise.emplace(
+      Prepared::Stepwise{StorageStatement(storage.raw(), sql.values), sql.source_count, {}});
+  for (const StepwiseUpdateSql::Target& target : sql.targets) {
+    prepared->stepwise->targets.push_back({target.source, target.first_value, target.value_count,
+                                           StorageStatement(storage.raw(), target.write)});
+  }
+  return prepared;
+}
+
+struct PrepareBound {
+  Storage& storage;
+  size_t literal_count;
+  bool strict;
+
+  std::unique_ptr<Prepared> operator()(const std::unique_ptr<bound::Query>& /*unused*/) const {
+    dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
+  }
+  std::unique_ptr<Prepared> operator()(const bound::Insert& insert) const {
+    return PrepareText(storage, TranslateInsert(insert, strict));
+  }
+  std::unique_ptr<Prepared> operator()(const bound::Update& update) const {
+    return PrepareUpdate(update, storage, literal_count, strict);
+  }
+  std::unique_ptr<Prepared> operator()(const bound::Delete& statement) const {
+    return PrepareText(storage, TranslateDelete(statement));
+  }
+};
+
+}  // namespace
+
+Preparation PrepareQuery(const sql::Statement& statement, const Catalogue& catalogue,
+                         Storage& storage, size_t literal_count, bool as_snapshot) {
+  if (!std::holds_alternative<sql::Query>(statement)) {
+    dao::Raise(dao::DaoError::kInvalidOperation, "DAO.Database");
+  }
+  BoundStatement bound = Bind(statement, catalogue);
+  const auto& query = *std::get<std::unique_ptr<bound::Query>>(bound.statement);
+  Preparation result;
+  result.by_text = bound.literals_matter;
+  if (!as_snapshot && IsDynaset(query)) {
+    const int row_parameter = static_cast<int>(literal_count) + 1;
+    const DynasetSql sql = TranslateDynaset(query, row_parameter);
+    result.prepared = PrepareText(storage, sql.rows);
+    result.prepared->row.emplace(storage.raw(), sql.row);
+    result.prepared->row_parameter = row_parameter;
+  } else {
+    result.prepared = PrepareText(storage, TranslateQuery(query));
+  }
+  result.prepared->columns = std::make_shared<const Columns>(query.columns);
+  return result;
+}
+
+Preparation PrepareWrite(const sql::Statement& statement, const Catalogue& catalogue,
+                         Storage& storage, size_t literal_count, bool strict) {
+  if (std::holds_alternative<sql::Query>(statement)) {
+    dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
+  }
+  BoundStatement bound = Bind(statement, catalogue);
+  Preparation result;
+  result.by_text = bound.literals_matter;
+  result.prepared = std::visit(PrepareBound{storage, literal_count, strict}, bound.statement);
+  return result;
+}
+
+}  // namespace ambrelio::embedded

@@ -1,0 +1,29 @@
+// From a statement's text to what the storage engine can run.
+#pragma once
+
+#include <memory>
+#include <variant>
+
+#include "ambrelio/engine/embedded/execution/statement_cache.h"
+#include "ambrelio/engine/embedded/sql/ast.h"
+#include "ambrelio/engine/embedded/storage/catalogue.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
+
+namespace ambrelio::embedded {
+
+struct Preparation {
+  std::unique_ptr<Prepared> prepared;
+  // Whether it serves only the very text, not all texts of its shape.
+  bool by_text = false;
+};
+
+// A select or union; 3219 for anything else. `literal_count` is how many parameters the literals
+// take. Unless `as_snapshot`, a select over one table becomes a dynaset.
+Preparation PrepareQuery(const sql::Statement& statement, const Catalogue& catalogue,
+                         Storage& storage, size_t literal_count, bool as_snapshot);
+
+// An insert, update or delete; 3065 for a select.
+Preparation PrepareWrite(const sql::Statement& statement, const Catalogue& catalogue,
+                         Storage& storage, size_t literal_count, bool strict);
+
+}  // namespace ambrelio::embedded

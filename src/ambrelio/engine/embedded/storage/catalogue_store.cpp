@@ -1,0 +1,207 @@
+#include "ambrelio/engine/embedded/storage/catalogue_store.h"
+
+#include <algorithm>
+
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/storage/catalogue_rows.h"
+#include "ambrelio/engine/embedded/storage/catalogue_rules.h"
+#include "ambrelio/engine/embedded/storage/table_form.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+using dao::DaoError;
+
+// Another random value after each change, so that equal stamps always mean equal catalogues, also
+// where a change was undone or another process made one of its own instead.
+constexpr const char* kStamp = "stamp";
+
+// `item`, which is not null when it is there.
+template <class T>
+const T& There(const T* item, DaoError missing, const std::string& source, std::string_view name) {
+  if (item == nullptr) dao::Raise(missing, source, std::string(name));
+  return *item;
+}
+
+// A read transaction: what is read in it belongs to one moment.
+class OneMoment {
+ public:
+  explicit OneMoment(Storage& storage) : storage_(storage) {
+    storage_.Run("savepoint \"jet.read\"");
+  }
+  ~OneMoment() { sqlite3_exec(storage_.raw(), "release \"jet.read\"", nullptr, nullptr, nullptr); }
+  OneMoment(const OneMoment&) = delete;
+  OneMoment& operator=(const OneMoment&) = delete;
+
+ private:
+  Storage& storage_;
+};
+
+}  // namespace
+
+CatalogueStore::CatalogueStore(Storage& storage) : storage_(storage) {}
+
+const Catalogue& CatalogueStore::Current() {
+  const bool changed = storage_.ChangedByOthers();
+  const bool undone = storage_.rollbacks() != rollbacks_;
+  rollbacks_ = storage_.rollbacks();
+  if (loaded_ && (changed || undone)) {
+    loaded_ = false;  // should the reading fail
+    loaded_ = ReadSetting(storage_, kStamp) == stamp_;
+  }
+  if (!loaded_) Load();
+  return catalogue_;
+}
+
+void CatalogueStore::Load() {
+  loaded_ = false;
+  const OneMoment moment(storage_);
+  catalogue_ = ReadCatalogue(storage_);
+  stamp_ = ReadSetting(storage_, kStamp);
+  ++version_;
+  loaded_ = true;
+}
+
+void CatalogueStore::Change(const std::function<void()>& change) {
+  storage_.Begin();
+  try {
+    Current();
+    loaded_ = false;  // until the change is complete
+    change();
+    storage_.Run("replace into \"jet.settings\" values('" + std::string(kStamp) +
+                 "', hex(randomblob(16)))");
+    storage_.Commit();
+  } catch (...) {
+    storage_.Rollback();
+    throw;
+  }
+}
+
+void CatalogueStore::ChangeTable(std::string_view name,
+                                 const std::function<void(const TableInfo&)>& change_rows) {
+  Change([&] {
+    const TableInfo before =
+        There(catalogue_.FindTable(name), DaoError::kUnknownTable, "DAO.Database", name);
+    change_rows(before);
+    Reshape(storage_, before, *ReadCatalogue(storage_).FindTable(before.id));
+  });
+}
+
+void CatalogueStore::CheckTableNameFree(const std::string& name) {
+  if (catalogue_.FindTable(name) != nullptr) {
+    dao::Raise(DaoError::kTableExists, "DAO.TableDefs", name);
+  }
+  if (catalogue_.FindQuery(name) != nullptr) {
+    dao::Raise(DaoError::kObjectExists, "DAO.TableDefs", name);
+  }
+}
+
+void CatalogueStore::CreateTable(const TableInfo& table) {
+  Change([&] {
+    TableInfo made = CheckedTable(table);
+    CheckTableNameFree(made.name);
+    made.id = InsertTableRow(storage_, made.name);
+    for (FieldInfo& field : made.fields) field.id = InsertFieldRow(storage_, made.id, field);
+    for (IndexInfo& index : made.indexes) index.id = InsertIndexRows(storage_, made, index);
+    CreateStored(storage_, made);
+  });
+}
+
+void CatalogueStore::RenameTable(std::string_view name, const std::string& new_name) {
+  CheckName(new_name);
+  ChangeTable(name, [&](const TableInfo& before) {
+    if (!SameName(name, new_name)) CheckTableNameFree(new_name);
+    UpdateTableRow(storage_, before.id, new_name);
+  });
+}
+
+void CatalogueStore::DropTable(std::string_view name) {
+  Change([&] {
+    const TableInfo& table =
+        There(catalogue_.FindTable(name), DaoError::kNotInCollection, "DAO.TableDefs", name);
+    DeleteTableRows(storage_, table.id);
+    storage_.Run("DROP TABLE " + QuoteName(table.name));
+  });
+}
+
+void CatalogueStore::AddField(std::string_view table, const FieldInfo& field) {
+  ChangeTable(table, [&](const TableInfo& before) {
+    InsertFieldRow(storage_, before.id, CheckedField(before, field));
+  });
+}
+
+void CatalogueStore::DropField(std::string_view table, std::string_view field) {
+  ChangeTable(table, [&](const TableInfo& before) {
+    const FieldInfo& found =
+        There(before.FindField(field), DaoError::kNotInCollection, "DAO.Fields", field);
+    for (const IndexInfo& index : before.indexes) {
+      for (const IndexColumn& column : index.columns) {
+        if (column.name == found.name) {
+          dao::Raise(DaoError::kFieldInIndex, "DAO.Fields", found.name);
+        }
+      }
+    }
+    if (before.fields.size() == 1) {
+      dao::Raise(DaoError::kNothingDefined, "DAO.Fields", before.name);
+    }
+    DeleteFieldRow(storage_, found.id);
+  });
+}
+
+void CatalogueStore::ChangeField(std::string_view table, std::string_view field,
+                                 const FieldInfo& changed) {
+  ChangeTable(table, [&](const TableInfo& before) {
+    const FieldInfo& found =
+        There(before.FindField(field), DaoError::kNotInCollection, "DAO.Fields", field);
+    UpdateFieldRow(storage_, CheckedChange(before, found, changed));
+  });
+}
+
+void CatalogueStore::CreateIndex(std::string_view table, const IndexInfo& index) {
+  ChangeTable(table, [&](const TableInfo& before) {
+    InsertIndexRows(storage_, before, CheckedIndex(before, index));
+  });
+}
+
+void CatalogueStore::DropIndex(std::string_view table, std::string_view index) {
+  ChangeTable(table, [&](const TableInfo& before) {
+    DeleteIndexRows(
+        storage_,
+        There(before.FindIndex(index), DaoError::kNotInCollection, "DAO.Indexes", index).id);
+  });
+}
+
+void CatalogueStore::CreateQuery(const QueryInfo& query) {
+  CheckName(query.name);
+  Change([&] {
+    if (catalogue_.FindQuery(query.name) != nullptr ||
+        catalogue_.FindTable(query.name) != nullptr) {
+      dao::Raise(DaoError::kObjectExists, "DAO.QueryDefs", query.name);
+    }
+    InsertQueryRow(storage_, query);
+  });
+}
+
+void CatalogueStore::ChangeQuery(std::string_view name, const std::string& sql) {
+  Change([&] {
+    const QueryInfo& query =
+        There(catalogue_.FindQuery(name), DaoError::kNotInCollection, "DAO.QueryDefs", name);
+    UpdateQueryRow(storage_, query.id, sql);
+  });
+}
+
+void CatalogueStore::DropQuery(std::string_view name) {
+  Change([&] {
+    DeleteQueryRow(
+        storage_,
+        There(catalogue_.FindQuery(name), DaoError::kNotInCollection, "DAO.QueryDefs", name).id);
+  });
+}
+
+std::string CatalogueStore::Setting(std::string_view key) { return ReadSetting(storage_, key); }
+
+void CatalogueStore::SetSetting(std::string_view key, const std::string& value) {
+  WriteSetting(storage_, key, value);
+}
+
+}  // namespace ambrelio::embedded

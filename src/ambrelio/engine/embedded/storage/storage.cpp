@@ -1,0 +1,202 @@
+#include "ambrelio/engine/embedded/storage/storage.h"
+
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/functions/functions.h"
+#include "ambrelio/engine/embedded/storage/catalogue_schema.h"
+#include "ambrelio/engine/embedded/storage/storage_file.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+using dao::DaoError;
+
+constexpr int kLockWaitMilliseconds = 2000;
+// A committed statement survives the process and the power; nothing in a file that somebody
+// tampered with may run code.
+constexpr const char* kSettings =
+    "pragma foreign_keys = off; pragma trusted_schema = off; pragma cell_size_check = on;"
+    "pragma synchronous = full; pragma temp_store = memory; pragma cache_size = -16384;";
+
+// Failures at the opening have other numbers than those of an open database.
+[[noreturn]] void RaiseOpenError(sqlite3* db, int code, const std::string& path) {
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      dao::Raise(DaoError::kFileInUse, "DAO.Workspace", path);
+    case SQLITE_READONLY:
+    case SQLITE_CANTOPEN:
+      dao::Raise(DaoError::kAccessDenied, "DAO.Workspace", path);
+    default:
+      RaiseStorageError(db, code);
+  }
+}
+
+std::string Savepoint(int level) { return "level" + std::to_string(level); }
+
+std::string Quoted(std::string_view text, char quote) {
+  std::string quoted(1, quote);
+  for (const char c : text) {
+    quoted.append(c == quote ? 2 : 1, c);
+  }
+  return quoted + quote;
+}
+
+}  // namespace
+
+Storage::Storage(const std::string& path, int flags) : path_(path) {
+  const int code = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
+  if (code == SQLITE_OK) return;
+  const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(db_, sqlite3_close_v2);
+  RaiseOpenError(db_, code, path);
+}
+
+Storage::~Storage() {
+  data_version_query_.reset();
+  // Whoever still holds a statement keeps the connection alive, but it shall hold no lock.
+  for (sqlite3_stmt* rest = sqlite3_next_stmt(db_, nullptr); rest != nullptr;
+       rest = sqlite3_next_stmt(db_, rest)) {
+    sqlite3_reset(rest);
+  }
+  RollbackAll();
+  sqlite3_commit_hook(db_, nullptr, nullptr);
+  sqlite3_rollback_hook(db_, nullptr, nullptr);
+  sqlite3_close_v2(db_);
+}
+
+// Sets the connection up and touches the file for the first time.
+void Storage::Configure(Access access) {
+  sqlite3_extended_result_codes(db_, 1);
+  sqlite3_busy_timeout(db_, kLockWaitMilliseconds);
+  for (const int misfeature : {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL}) {
+    sqlite3_db_config(db_, misfeature, 0, nullptr);
+  }
+  sqlite3_db_config(db_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  RegisterFunctions(db_);
+  sqlite3_commit_hook(
+      db_,
+      [](void* self) {
+        const auto* const storage = static_cast<const Storage*>(self);
+        return storage->level_ > 0 && !storage->committing_ ? 1 : 0;
+      },
+      this);
+  sqlite3_rollback_hook(
+      db_, [](void* self) { ++static_cast<Storage*>(self)->rollbacks_; }, this);
+
+  std::string sql = kSettings;
+  if (access == Access::kExclusive || access == Access::kExclusiveReadOnly) {
+    sql += "pragma locking_mode = exclusive; begin exclusive; commit;";
+  } else {
+    sql += "select count(*) from sqlite_schema;";
+  }
+  if (access == Access::kExclusiveReadOnly) sql += "pragma query_only = on;";
+  const int code = sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) RaiseOpenError(db_, sqlite3_extended_errcode(db_), path_);
+  read_only_ = access == Access::kReadOnly || access == Access::kExclusiveReadOnly ||
+               sqlite3_db_readonly(db_, "main") == 1;
+}
+
+std::unique_ptr<Storage> Storage::Open(const std::string& path, Access access) {
+  CheckDatabaseFile(path);
+  const auto open = [&](const std::string& name, int flags) {
+    std::unique_ptr<Storage> storage(new Storage(name, flags));
+    storage->path_ = path;
+    storage->Configure(access);
+    return storage;
+  };
+  const bool exclusive = access == Access::kExclusive || access == Access::kExclusiveReadOnly;
+  try {
+    return open(path, access == Access::kReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+  } catch (const AutomationError& error) {
+    // A folder that may not be written has no place for the log's index. Where there is no log
+    // either, nobody is writing, and the file can be read as it is.
+    const bool denied = error.number() == static_cast<int>(DaoError::kAccessDenied);
+    if (!denied || exclusive || CompanionExists(path, "-wal")) throw;
+    return open(ImmutableUri(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+  }
+}
+
+std::unique_ptr<Storage> Storage::Create(const std::string& path,
+                                         const std::function<void(Storage&)>& fill) {
+  CreateWhole(path, [&](const std::string& unfinished) {
+    Storage storage(unfinished, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    storage.Configure(Access::kShared);
+    // Nobody sees the file before it is complete: it needs no journal until then.
+    storage.Run("pragma journal_mode = memory");
+    storage.Begin();
+    storage.Run("pragma application_id = " + std::to_string(kApplicationId) +
+                "; pragma user_version = " + std::to_string(kFormatVersion) + ";" +
+                kCatalogueSchema);
+    if (fill) fill(storage);
+    storage.Commit();
+    storage.Run("pragma journal_mode = wal");
+  });
+  return Open(path, Access::kShared);
+}
+
+void Storage::Run(const std::string& sql) {
+  if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+    RaiseStorageError(db_, sqlite3_extended_errcode(db_));
+  }
+}
+
+int64_t Storage::Changes() const { return sqlite3_changes64(db_); }
+
+bool Storage::transaction_lost() const { return level_ > 0 && sqlite3_get_autocommit(db_) != 0; }
+
+void Storage::Begin() {
+  if (!transaction_lost()) {
+    if (level_ > 0) {
+      Run("savepoint " + Savepoint(level_ + 1));
+    } else {
+      Run(read_only_ ? "begin" : "begin immediate");
+    }
+  }
+  ++level_;
+}
+
+void Storage::Commit() {
+  if (level_ == 0 || transaction_lost()) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
+  if (level_ > 1) {
+    Run("release " + Savepoint(level_));
+  } else {
+    committing_ = true;
+    const int code = sqlite3_exec(db_, "commit", nullptr, nullptr, nullptr);
+    committing_ = false;
+    if (code != SQLITE_OK) RaiseStorageError(db_, sqlite3_extended_errcode(db_));
+  }
+  --level_;
+}
+
+void Storage::Rollback() {
+  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
+  if (!transaction_lost()) {
+    const std::string savepoint = Savepoint(level_);
+    Run(level_ > 1 ? "rollback to " + savepoint + "; release " + savepoint : "rollback");
+  }
+  ++rollbacks_;  // also of a savepoint, of which no hook tells
+  --level_;
+}
+
+void Storage::RollbackAll() {
+  if (level_ == 0) return;
+  if (!transaction_lost()) sqlite3_exec(db_, "rollback", nullptr, nullptr, nullptr);
+  level_ = 0;
+}
+
+bool Storage::ChangedByOthers() {
+  if (!data_version_query_) {
+    data_version_query_ = std::make_unique<StorageStatement>(db_, "pragma data_version");
+  }
+  data_version_query_->Step();
+  const int64_t version = data_version_query_->Integer(0);
+  data_version_query_->Reset();
+  const bool changed = version != data_version_;
+  data_version_ = version;
+  return changed;
+}
+
+std::string QuoteName(std::string_view name) { return Quoted(name, '"'); }
+
+std::string QuoteText(std::string_view text) { return Quoted(text, '\''); }
+
+}  // namespace ambrelio::embedded

@@ -1,0 +1,153 @@
+#include "ambrelio/engine/embedded/storage/storage_file.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string_view>
+
+#include "ambrelio/dao/errors.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+namespace fs = std::filesystem;
+using dao::DaoError;
+
+constexpr const char* kSource = "DAO.Workspace";
+constexpr const char* kLog = "-wal";
+
+// The places of SQLite's header that matter here.
+constexpr size_t kHeaderSize = 100;
+constexpr size_t kVersionAt = 60;
+constexpr size_t kApplicationAt = 68;
+constexpr std::string_view kSqliteMark("SQLite format 3\0", 16);
+// Where a Jet file names its format.
+constexpr size_t kJetMarkAt = 4;
+
+fs::path PathOf(const std::string& utf8) {
+  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+void CheckFolder(const std::string& path) {
+  if (path.empty() || path.find('\0') != std::string::npos) {
+    dao::Raise(DaoError::kInvalidDatabaseName, kSource, path);
+  }
+  const fs::path folder = PathOf(path).parent_path();
+  std::error_code error;
+  if (!folder.empty() && !fs::is_directory(folder, error)) {
+    dao::Raise(DaoError::kInvalidPath, kSource, path);
+  }
+}
+
+std::string ReadHeader(const std::string& path) {
+  std::ifstream file(PathOf(path), std::ios::binary);
+  if (!file) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  std::string header(kHeaderSize, '\0');
+  file.read(header.data(), static_cast<std::streamsize>(header.size()));
+  header.resize(static_cast<size_t>(file.gcount()));
+  return header;
+}
+
+int32_t NumberAt(std::string_view header, size_t place) {
+  uint32_t number = 0;
+  for (const char byte : header.substr(place, 4)) {
+    number = number << 8 | static_cast<unsigned char>(byte);
+  }
+  return static_cast<int32_t>(number);
+}
+
+void CheckHeader(std::string_view header, const std::string& path) {
+  for (const std::string_view jet : {"Standard Jet DB", "Standard ACE DB"}) {
+    if (header.size() > kJetMarkAt && header.substr(kJetMarkAt).starts_with(jet)) {
+      throw AutomationError(static_cast<int>(DaoError::kUnrecognisedFormat), kSource,
+                            "This build cannot open files of the format '" + std::string(jet) +
+                                "' yet: '" + path + "'.");
+    }
+  }
+  if (!header.starts_with(kSqliteMark)) dao::Raise(DaoError::kUnrecognisedFormat, kSource, path);
+  if (header.size() < kHeaderSize) dao::Raise(DaoError::kNotADatabaseOrDamaged, kSource, path);
+  if (NumberAt(header, kApplicationAt) != kApplicationId ||
+      NumberAt(header, kVersionAt) > kFormatVersion) {
+    dao::Raise(DaoError::kUnrecognisedFormat, kSource, path);
+  }
+}
+
+// A file that is being made; whatever is left of it at the end goes.
+class Unfinished {
+ public:
+  explicit Unfinished(const std::string& path) {
+    std::random_device random;
+    path_ = path + "." + std::to_string(random()) + ".new";
+  }
+  ~Unfinished() {
+    std::error_code ignored;
+    for (const char* const suffix : {"", kLog, "-shm", "-journal"}) {
+      fs::remove(PathOf(path_ + suffix), ignored);
+    }
+  }
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  const std::string& path() const { return path_; }
+
+  void MoveTo(const std::string& path) const {
+    std::error_code error;
+    fs::create_hard_link(PathOf(path_), PathOf(path), error);
+    if (!error) return;
+    // Without hard links there is only the renaming, which would overwrite.
+    if (fs::exists(PathOf(path))) dao::Raise(DaoError::kDatabaseExists, kSource, path);
+    fs::rename(PathOf(path_), PathOf(path), error);
+    if (error) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace
+
+void CheckDatabaseFile(const std::string& path) {
+  CheckFolder(path);
+  std::error_code error;
+  const fs::file_status status = fs::status(PathOf(path), error);
+  if (status.type() == fs::file_type::not_found) {
+    dao::Raise(DaoError::kFileNotFound, kSource, path);
+  }
+  if (status.type() != fs::file_type::regular) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  CheckHeader(ReadHeader(path), path);
+}
+
+bool CompanionExists(const std::string& path, const char* suffix) {
+  std::error_code error;
+  return fs::exists(PathOf(path + suffix), error);
+}
+
+void CreateWhole(const std::string& path, const std::function<void(const std::string&)>& write) {
+  CheckFolder(path);
+  for (const char* const suffix : {"", kLog}) {
+    if (CompanionExists(path, suffix))
+      dao::Raise(DaoError::kDatabaseExists, kSource, path + suffix);
+  }
+  const Unfinished file(path);
+  write(file.path());
+  file.MoveTo(path);
+}
+
+std::string ImmutableUri(const std::string& path) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string uri = "file:";
+  if (path.size() > 1 && path[1] == ':') uri += '/';  // before a drive
+  for (const char c : path) {
+    if (c == '%' || c == '?' || c == '#') {
+      uri += '%';
+      uri += kDigits[static_cast<unsigned char>(c) >> 4];
+      uri += kDigits[static_cast<unsigned char>(c) & 15];
+    } else {
+      uri += c == '\\' && path[1] == ':' ? '/' : c;
+    }
+  }
+  return uri + "?immutable=1";
+}
+
+}  // namespace ambrelio::embedded

@@ -1,0 +1,176 @@
+#include <new>
+#include <utility>
+
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/functions/functions.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+constexpr const char* kSource = "DAO.Database";
+
+// What SQLite sets behind the colon: the columns of a broken key, the name of a broken check.
+std::string Detail(std::string_view message) {
+  const size_t colon = message.find(": ");
+  return colon == std::string_view::npos ? "" : std::string(message.substr(colon + 2));
+}
+
+[[noreturn]] void RaiseBrokenConstraint(int code, const std::string& detail) {
+  using dao::DaoError;
+  switch (code) {
+    case SQLITE_CONSTRAINT_COMMITHOOK:
+      dao::Raise(DaoError::kNoTransaction, kSource);
+    case SQLITE_CONSTRAINT_NOTNULL:
+      dao::Raise(DaoError::kNullInPrimaryKey, kSource, detail);
+    case SQLITE_CONSTRAINT_CHECK: {
+      const size_t colon = detail.find(':');
+      const std::string field = colon == std::string::npos ? detail : detail.substr(colon + 1);
+      dao::Raise(detail.substr(0, colon) == kZeroLengthRule ? DaoError::kZeroLengthText
+                                                            : DaoError::kNullInRequiredField,
+                 kSource, field);
+    }
+    default:
+      dao::Raise(DaoError::kDuplicateKey, kSource, detail);
+  }
+}
+
+}  // namespace
+
+void RaiseStorageError(sqlite3* db, int code) {
+  using dao::DaoError;
+  const char* const text = sqlite3_errmsg(db);
+  if (const auto raised = DecodeFunctionError(text)) throw *raised;
+  const std::string message = text == nullptr ? "" : text;
+  switch (code & 0xFF) {
+    case SQLITE_CONSTRAINT:
+      RaiseBrokenConstraint(code, Detail(message));
+    case SQLITE_BUSY:
+      dao::Raise(DaoError::kRecordLocked, kSource);
+    case SQLITE_LOCKED:
+      dao::Raise(DaoError::kTableLocked, kSource, Detail(message));
+    case SQLITE_READONLY:
+      dao::Raise(DaoError::kReadOnly, kSource);
+    case SQLITE_FULL:
+      dao::Raise(DaoError::kDiskFull, kSource);
+    case SQLITE_IOERR:
+      dao::Raise(DaoError::kDiskError, kSource);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB: {
+      const char* const file = sqlite3_db_filename(db, nullptr);
+      dao::Raise(DaoError::kNotADatabaseOrDamaged, kSource, file == nullptr ? "" : file);
+    }
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH: {
+      const char* const file = sqlite3_db_filename(db, nullptr);
+      dao::Raise(DaoError::kAccessDenied, kSource, file == nullptr ? "" : file);
+    }
+    case SQLITE_NOMEM:
+      throw std::bad_alloc();
+    case SQLITE_TOOBIG:
+      dao::Raise(DaoError::kConditionOverflow, kSource);
+    default:
+      dao::Raise(DaoError::kReserved, kSource, message);
+  }
+}
+
+StorageStatement::StorageStatement(sqlite3* db, const std::string& sql) : db_(db) {
+  const int code =
+      sqlite3_prepare_v2(db, sql.c_str(), static_cast<int>(sql.size()) + 1, &statement_, nullptr);
+  if (code != SQLITE_OK) RaiseStorageError(db, code);
+}
+
+StorageStatement::StorageStatement(StorageStatement&& other) noexcept
+    : db_(other.db_), statement_(std::exchange(other.statement_, nullptr)) {}
+
+StorageStatement& StorageStatement::operator=(StorageStatement&& other) noexcept {
+  std::swap(db_, other.db_);
+  std::swap(statement_, other.statement_);
+  return *this;
+}
+
+StorageStatement::~StorageStatement() { sqlite3_finalize(statement_); }
+
+void StorageStatement::Bind(int parameter, const Variant& value) {
+  const auto text = [&](const std::string& bytes) {
+    return sqlite3_bind_text(statement_, parameter, bytes.data(), static_cast<int>(bytes.size()),
+                             SQLITE_TRANSIENT);  // NOLINT(performance-no-int-to-ptr)
+  };
+  int code = SQLITE_OK;
+  switch (value.type()) {
+    case VariantType::kEmpty:
+    case VariantType::kNull:
+      code = sqlite3_bind_null(statement_, parameter);
+      break;
+    case VariantType::kBoolean:
+      return Bind(parameter, int64_t{value.as<bool>() ? -1 : 0});
+    case VariantType::kByte:
+      return Bind(parameter, int64_t{value.as<uint8_t>()});
+    case VariantType::kInteger:
+      return Bind(parameter, int64_t{value.as<int16_t>()});
+    case VariantType::kLong:
+      return Bind(parameter, int64_t{value.as<int32_t>()});
+    case VariantType::kSingle:
+      code = sqlite3_bind_double(statement_, parameter, value.as<float>());
+      break;
+    case VariantType::kDouble:
+      code = sqlite3_bind_double(statement_, parameter, value.as<double>());
+      break;
+    case VariantType::kCurrency:
+      code = sqlite3_bind_double(statement_, parameter,
+                                 static_cast<double>(value.as<Currency>().ten_thousandths) / 10000);
+      break;
+    case VariantType::kDate:
+      code = sqlite3_bind_double(statement_, parameter, value.as<OleDate>().days());
+      break;
+    case VariantType::kText:
+      code = text(value.as<std::string>());
+      break;
+    case VariantType::kArray:
+    case VariantType::kObject:
+      Raise(RuntimeError::kTypeMismatch);
+  }
+  if (code != SQLITE_OK) RaiseStorageError(db_, code);
+}
+
+void StorageStatement::Bind(int parameter, int64_t value) {
+  const int code = sqlite3_bind_int64(statement_, parameter, value);
+  if (code != SQLITE_OK) RaiseStorageError(db_, code);
+}
+
+bool StorageStatement::Step() {
+  const int code = sqlite3_step(statement_);
+  if (code == SQLITE_ROW) return true;
+  if (code == SQLITE_DONE) return false;
+  sqlite3_reset(statement_);  // lets go of the locks; the message stays
+  RaiseStorageError(db_, code);
+}
+
+void StorageStatement::Reset() {
+  sqlite3_reset(statement_);
+  sqlite3_clear_bindings(statement_);
+}
+
+int StorageStatement::ColumnCount() const { return sqlite3_column_count(statement_); }
+
+bool StorageStatement::IsNull(int column) const {
+  return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
+int64_t StorageStatement::Integer(int column) const {
+  return sqlite3_column_int64(statement_, column);
+}
+
+double StorageStatement::Real(int column) const {
+  return sqlite3_column_double(statement_, column);
+}
+
+std::string_view StorageStatement::Text(int column) const {
+  const auto* const bytes = sqlite3_column_text(statement_, column);
+  if (bytes == nullptr) return {};
+  return {reinterpret_cast<const char*>(bytes),
+          static_cast<size_t>(sqlite3_column_bytes(statement_, column))};
+}
+
+}  // namespace ambrelio::embedded
