@@ -18,5 +18,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/AmbrelioConfigVersion.cma
 install(FILES ${PROJECT_BINARY_DIR}/AmbrelioConfig.cmake
               ${PROJECT_BINARY_DIR}/AmbrelioConfigVersion.cmake DESTINATION ${config_folder})
 
+# The folders are named from where the file itself lies, so that the tree may be moved.
+file(RELATIVE_PATH AMBRELIO_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/ambrelio.pc.in ${PROJECT_BINARY_DIR}/ambrelio.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ambrelio.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -22,8 +22,7 @@ Examples:
   ambrelio --trace statements.jsonl call --app mill "Deposito(3).LitrosActual"
 )help";
 
-constexpr char kFooter[] = R"help(
-"ambrelio COMMAND --help" tells more of a command.
+constexpr char kFooter[] = R"help("ambrelio COMMAND --help" tells more of a command.
 
 Exit codes:
   0  done

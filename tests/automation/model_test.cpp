@@ -78,6 +78,78 @@ TEST(Model, TankMembersKeepTheirNumbers) {
                           "11 GetCotasMomento", "12 Destino", "13 Composicion"));
 }
 
+// Names, types and optional arguments of every member, as scripts were written against them.
+std::vector<std::string> Signatures(const char* class_name) {
+  std::vector<std::string> signatures;
+  for (const Member& member : FindClass(class_name)->members) {
+    signatures.push_back(DescribeMember(member));
+  }
+  return signatures;
+}
+
+TEST(Model, RootMembersKeepTheirSignatures) {
+  EXPECT_THAT(
+      Signatures("Trazabilidad"),
+      ElementsAre("Constructor(aPath As String, vardex3 As Boolean, [Info As Variant]) As Variant",
+                  "BaseAbierta As Boolean", "MaximoTolvas As Integer", "Cerrar", "RecargaValores",
+                  "SalvarValores", "TvaInter(tva As Integer) As TvaInter",
+                  "Tolva(tva As Integer) As Tolva", "Deposito(dto As Integer) As Deposito",
+                  "ObjetoActiveX As String", "ObjetoActiveX = String", "PuertoUDP As String",
+                  "PuertoUDP = String", "TimeOutUDP As Long", "TimeOutUDP = Long",
+                  "IntervaloPolling As Long", "IntervaloPolling = Long",
+                  "TiempoControlNivel As Long", "TiempoControlNivel = Long",
+                  "MargenControlNivel As Long", "MargenControlNivel = Long",
+                  "Trasegar(org As Integer, dno As Integer, [qto As Double]) As Boolean"));
+}
+
+TEST(Model, HopperMembersKeepTheirSignatures) {
+  EXPECT_THAT(Signatures("Tolva"),
+              ElementsAre("MomentoInicio As Date", "DescargaEnCurso As Long",
+                          "Descargar(dto As Integer, mol As Integer, [qto As Double]) As Boolean",
+                          "RestaurarCarga As Boolean", "Descarga(cod As Long) As Descarga",
+                          "Partidas As Long", "Acumulado As Double",
+                          "Composicion(clase As Integer) As Variant"));
+  EXPECT_THAT(
+      Signatures("Descarga"),
+      ElementsAre("Tolva As Integer", "Codigo As Long", "Kilos As Double", "MomentoDesde As Date",
+                  "MomentoHasta As Date", "Composicion(clase As Integer) As Variant"));
+  EXPECT_THAT(Signatures("TvaInter"), ElementsAre("DescargarEn(dno As Integer) As Boolean",
+                                                  "Partidas As Long", "Acumulado As Long"));
+}
+
+TEST(Model, TankMembersKeepTheirSignatures) {
+  EXPECT_THAT(
+      Signatures("Deposito"),
+      ElementsAre("Nombre As String", "Nombre = String", "Formula As Variant", "Formula = Variant",
+                  "Capacidad(h As Long) As Double",
+                  "EntradaNivel([mmt As Variant], [Nivel As Long], [litrs As Double]) As Boolean",
+                  "EntradaDensidad(dens As Double, [itm As Long]) As Boolean",
+                  "EliminarUltimoNivel As Boolean", "NivelActual As Variant",
+                  "LitrosActual As Variant", "KilosActual As Double", "Nivel(cod As Long) As Nivel",
+                  "NuevoVaciado(dno As Integer, qty As Double, [mmto As Variant], [referentes As "
+                  "Variant]) As Long",
+                  "DeshacerVaciado As Boolean", "Vaciado(cod As Long) As Vaciado",
+                  "UltimoVaciado As Long", "Historial As Variant",
+                  "UltimoMovimiento(hay As Variant, niv As Variant, mmto As Date) As Integer",
+                  "Composicion(clase As Integer) As Variant"));
+}
+
+TEST(Model, MembersOfReadingsAndEmptyingsKeepTheirSignatures) {
+  EXPECT_THAT(
+      Signatures("Nivel"),
+      ElementsAre("Deposito As Integer", "Codigo As Long", "Momento As Date", "Momento = Date",
+                  "GetCotasMomento(mmt1 As Variant, mmt2 As Variant) As Boolean", "Nivel As Long",
+                  "Nivel = Long", "Litros As Double", "Litros = Double"));
+  EXPECT_THAT(
+      Signatures("Vaciado"),
+      ElementsAre("Deposito As Integer", "Codigo As Long", "Uso As Integer", "Cliente As Long",
+                  "Transportista As Long", "DestinoVenta As String",
+                  "fijarUso(u As Integer, cli As Long, trp As Long, dno As String) As Boolean",
+                  "Lote As String", "Lote = String", "Litros As Double", "Momento As Date",
+                  "Momento = Date", "GetCotasMomento(mmt1 As Variant, mmt2 As Variant) As Boolean",
+                  "Destino As Integer", "Composicion(clase As Integer) As Variant"));
+}
+
 TEST(Model, NumbersRiseAndOnlyAPropertySharesOne) {
   for (const Class& c : Model()) {
     for (size_t i = 1; i < c.members.size(); ++i) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "support/layout.h"
 #include "support/mill.h"
 
 namespace ambrelio::test {
@@ -86,28 +87,11 @@ class OldMillTest : public MillTest {
   bool HasTable(const std::string& name) {
     return ErrorOf([&] { session.Database().TableDefs().Item(name); }) == 0;
   }
-  // "name type size" of every column, in order.
   std::vector<std::string> Columns(const std::string& table) {
-    std::vector<std::string> columns;
-    const auto definition = session.Database().TableDefs().Item(table);
-    for (int i = 0; i < definition->Fields().Count(); ++i) {
-      const auto field = definition->Fields().Item(i);
-      std::string column = field->Name() + " " + std::to_string(static_cast<int>(field->Type()));
-      if (field->Type() == Type::kText) column += " " + std::to_string(field->Size());
-      columns.push_back(std::move(column));
-    }
-    return columns;
+    return test::Columns(session.Database(), table);
   }
-  // "primary unique ignore-nulls: columns" of an index.
   std::string IndexText(const std::string& table, const std::string& name) {
-    const auto index = session.Database().TableDefs().Item(table)->Indexes().Item(name);
-    std::string text = std::string(index->Primary() ? "primary " : "") +
-                       (index->Unique() ? "unique " : "") +
-                       (index->IgnoreNulls() ? "ignore-nulls " : "") + "over";
-    for (int i = 0; i < index->Fields().Count(); ++i) {
-      text += " " + index->Fields().Item(i)->Name();
-    }
-    return text;
+    return test::IndexText(session.Database(), table, name);
   }
 };
 

@@ -10,11 +10,15 @@
 #include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/locale.h"
+#include "support/layout.h"
 #include "support/temp_folder.h"
 
 namespace ambrelio::host {
 namespace {
 
+using test::Columns;
+using test::IndexText;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class CreateDatabaseTest : public ::testing::Test {
@@ -56,6 +60,95 @@ TEST_F(CreateDatabaseTest, HoldsEveryTableOfTheLibraryAndItsHost) {
       primary_keys += definition->Indexes().Item(i)->Primary() ? 1 : 0;
     }
     EXPECT_EQ(primary_keys, 1) << table;
+  }
+}
+
+TEST_F(CreateDatabaseTest, HoldsMovementsInTheirColumns) {
+  CreateMillDatabase(*engine, path, "");
+  const auto database = Open();
+  EXPECT_THAT(Columns(*database, "Descargas"),
+              ElementsAre("Tolva 3", "Descarga 4", "MomentoDesde 8", "MomentoHasta 8", "Molino 3",
+                          "Deposito 3", "Fraccion 7"));
+  EXPECT_THAT(Columns(*database, "Vaciados"),
+              ElementsAre("Deposito 3", "Vaciado 4", "mmto 8", "Cantidad 7", "Destino 3", "Uso 3",
+                          "Lote 10 20", "Cliente 4", "Transportista 4", "DestinoVenta 10 50"));
+  EXPECT_THAT(
+      Columns(*database, "detVaciados"),
+      ElementsAre("Deposito 3", "Vaciado 4", "Tolva 3", "Descarga 4", "Molino 3", "Fraccion 7"));
+  EXPECT_THAT(Columns(*database, "Niveles"),
+              ElementsAre("Deposito 3", "Item 4", "Momento 8", "Nivel 4", "Litros 7", "Densidad 7",
+                          "Alerta 1"));
+}
+
+TEST_F(CreateDatabaseTest, HoldsTanksAndReferentsInTheirColumns) {
+  CreateMillDatabase(*engine, path, "");
+  const auto database = Open();
+  EXPECT_THAT(Columns(*database, "Capacidad"),
+              ElementsAre("Deposito 3", "Nivel 7", "A0 7", "A1 7", "A2 7", "A3 7"));
+  EXPECT_THAT(Columns(*database, "Depositos"), ElementsAre("Codigo 4", "Nombre 10 40"));
+  for (const char* referents : {"Clientes", "Transportistas"}) {
+    EXPECT_THAT(Columns(*database, referents),
+                ElementsAre("Codigo 4", "Nombre 10 50", "NIF 10 20", "Info1 10 50", "Info2 10 50",
+                            "Info3 10 50"));
+  }
+}
+
+TEST_F(CreateDatabaseTest, HoldsWeighingsAndTheirSharesInTheirColumns) {
+  CreateMillDatabase(*engine, path, "");
+  const auto database = Open();
+  EXPECT_THAT(Columns(*database, "PESADA"),
+              ElementsAre("COOPERATIVA 3", "PARTIDA 4", "MEDIANA 2", "CODPRO 3", "CODSOC 4",
+                          "CODMUN 3", "PARAJE 10 50", "POLIGONO 3", "PARCELA 4", "H_INICIO 8",
+                          "TOLVA 3", "DESCARGA 4", "PARCIALPESO 7"));
+  for (const char* shares : {"splitDescar", "split"}) {
+    EXPECT_THAT(Columns(*database, shares),
+                ElementsAre("cooperativa 3", "partida 4", "mediana 2", "codpro 3", "tolva 3",
+                            "descarga 4", "fraccion 7"));
+  }
+}
+
+TEST_F(CreateDatabaseTest, IdentifiesTheRowsOfEachTableByItsKey) {
+  CreateMillDatabase(*engine, path, "");
+  const auto database = Open();
+  const auto key = [&](const char* table) { return IndexText(*database, table, "key"); };
+  EXPECT_EQ(key("Descargas"), "primary unique over Tolva Descarga Deposito");
+  EXPECT_EQ(key("Vaciados"), "primary unique over Deposito Vaciado");
+  EXPECT_EQ(key("detVaciados"), "primary unique over Deposito Vaciado Tolva Descarga");
+  EXPECT_EQ(key("Niveles"), "primary unique over Deposito Item");
+  EXPECT_EQ(key("Capacidad"), "primary unique over Deposito Nivel");
+  EXPECT_EQ(key("Depositos"), "primary unique over Codigo");
+  EXPECT_EQ(key("PESADA"), "primary unique over COOPERATIVA PARTIDA MEDIANA CODPRO");
+  EXPECT_EQ(key("SOCIO"), "primary unique over CODSOC");
+  EXPECT_EQ(key("PRODUCTO"), "primary unique over CODPRO");
+  EXPECT_EQ(key("MUNICIPIO"), "primary unique over CODMUN");
+  for (const char* shares : {"splitDescar", "split"}) {
+    EXPECT_EQ(key(shares), "primary unique over cooperativa partida mediana codpro tolva descarga");
+  }
+  for (const char* referents : {"Clientes", "Transportistas"}) {
+    EXPECT_EQ(IndexText(*database, referents, "key1"), "primary unique over Codigo");
+    EXPECT_EQ(IndexText(*database, referents, "key2"), "unique ignore-nulls over Nombre");
+  }
+}
+
+TEST_F(CreateDatabaseTest, FindsTheWeighingsOfADischargeByAnIndex) {
+  CreateMillDatabase(*engine, path, "");
+  const auto database = Open();
+  EXPECT_EQ(IndexText(*database, "PESADA", "discharge"), "over TOLVA DESCARGA");
+  EXPECT_EQ(IndexText(*database, "splitDescar", "discharge"), "over tolva descarga");
+}
+
+TEST_F(CreateDatabaseTest, RefusesEmptyTextOnlyForTheNameOfAReferent) {
+  CreateMillDatabase(*engine, path, "");
+  const auto database = Open();
+  const auto allowed = [&](const char* table, const char* column) {
+    return database->TableDefs().Item(table)->Fields().Item(column)->AllowZeroLength();
+  };
+  EXPECT_TRUE(allowed("Depositos", "Nombre"));
+  for (const char* referents : {"Clientes", "Transportistas"}) {
+    EXPECT_FALSE(allowed(referents, "Nombre"));
+    for (const char* column : {"NIF", "Info1", "Info2", "Info3"}) {
+      EXPECT_TRUE(allowed(referents, column)) << referents << "." << column;
+    }
   }
 }
 

@@ -1,4 +1,5 @@
-// The smallest program on the installed library: opens the mill in the folder given and asks a tank.
+// The smallest program on the installed library: opens the mill in the folder given and asks a
+// tank.
 #include <ambrelio/frame/trazabilidad.h>
 #include <ambrelio/tanks/deposito.h>
 

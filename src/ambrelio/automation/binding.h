@@ -196,6 +196,12 @@ class ClassTable {
     return Add(MemberKind::kLet, dispid, name, function, &value, 1, help);
   }
 
+  // A property whose get and let are told by one sentence.
+  template <class G, class L>
+  ClassTable& Property(int32_t dispid, const char* name, G get, L let, const char* help) {
+    return Get(dispid, name, get, help).Let(dispid, name, let, help);
+  }
+
   Class Take() { return std::move(class_); }
 
  private:

@@ -53,25 +53,17 @@ Class TrazabilidadTable() {
               "The intermediate hopper of that number, or Nothing.")
       .Method(8, "Tolva", &T::Tolva, {"tva"}, "The hopper of that number, or Nothing.")
       .Method(9, "Deposito", &T::Deposito, {"dto"}, "The tank of that number, or Nothing.")
-      .Get(18, "ObjetoActiveX", &T::ObjetoActiveX,
-           "Name of the automation object that reads the level sensors.")
-      .Let(18, "ObjetoActiveX", &T::SetObjetoActiveX,
-           "Name of the automation object that reads the level sensors.")
-      .Get(19, "PuertoUDP", &T::PuertoUDP, "UDP port of the sensor gateway.")
-      .Let(19, "PuertoUDP", &T::SetPuertoUDP, "UDP port of the sensor gateway.")
-      .Get(20, "TimeOutUDP", &T::TimeOutUDP, "How long an answer of the gateway is waited for.")
-      .Let(20, "TimeOutUDP", &T::SetTimeOutUDP, "How long an answer of the gateway is waited for.")
-      .Get(21, "IntervaloPolling", &T::IntervaloPolling, "Interval between questions to a sensor.")
-      .Let(21, "IntervaloPolling", &T::SetIntervaloPolling,
-           "Interval between questions to a sensor.")
-      .Get(22, "TiempoControlNivel", &T::TiempoControlNivel,
-           "Time between checks of a level, for the host.")
-      .Let(22, "TiempoControlNivel", &T::SetTiempoControlNivel,
-           "Time between checks of a level, for the host.")
-      .Get(23, "MargenControlNivel", &T::MargenControlNivel,
-           "Margin of the check of a level, for the host.")
-      .Let(23, "MargenControlNivel", &T::SetMargenControlNivel,
-           "Margin of the check of a level, for the host.")
+      .Property(18, "ObjetoActiveX", &T::ObjetoActiveX, &T::SetObjetoActiveX,
+                "Name of the automation object that reads the level sensors.")
+      .Property(19, "PuertoUDP", &T::PuertoUDP, &T::SetPuertoUDP, "UDP port of the sensor gateway.")
+      .Property(20, "TimeOutUDP", &T::TimeOutUDP, &T::SetTimeOutUDP,
+                "How long an answer of the gateway is waited for.")
+      .Property(21, "IntervaloPolling", &T::IntervaloPolling, &T::SetIntervaloPolling,
+                "Interval between questions to a sensor.")
+      .Property(22, "TiempoControlNivel", &T::TiempoControlNivel, &T::SetTiempoControlNivel,
+                "Time between checks of a level, for the host.")
+      .Property(23, "MargenControlNivel", &T::MargenControlNivel, &T::SetMargenControlNivel,
+                "Margin of the check of a level, for the host.")
       .Method(24, "Trasegar", &T::Trasegar, {"org", "dno", Optional("qto")},
               "Moves a share of what lies in one hopper into another.")
       .Take();

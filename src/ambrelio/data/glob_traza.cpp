@@ -1,5 +1,6 @@
 #include "ambrelio/data/glob_traza.h"
 
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/value/convert.h"
@@ -22,19 +23,19 @@ std::optional<Discharge> LastDischarge(Session& session, int16_t hopper) {
 }
 
 std::string NameOf(Session& session, const std::string& select, int32_t code) {
-  auto rows = session.Database().OpenRecordset(select + Tools::LongText(code));
-  return rows->AtEnd() ? "" : Tools::ValueAsText(rows->Value(0));
+  const auto name = FirstValue(session, select + Tools::LongText(code));
+  return name ? Tools::ValueAsText(*name) : "";
 }
 
 }  // namespace
 
 bool InsertFirstDischarge(Session& session, int16_t hopper) {
-  dao::Database& database = session.Database();
-  database.Execute(
-      "insert into Descargas (Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, Fraccion) "
-      "values (" +
-      Tools::IntegerText(hopper) + ", 1, " + SqlDate(session.Now()) + ", Null, 0, Null) ");
-  return database.RecordsAffected() >= 1;
+  return Execute(session,
+                 "insert into Descargas "
+                 "(Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, Fraccion) "
+                 "values (" +
+                     Tools::IntegerText(hopper) + ", 1, " + SqlDate(session.Now()) +
+                     ", Null, 0, Null) ") > 0;
 }
 
 std::optional<Discharge> CurrentDischarge(Session& session, int16_t hopper) {
@@ -45,11 +46,9 @@ std::optional<Discharge> CurrentDischarge(Session& session, int16_t hopper) {
 }
 
 double DischargeWeight(Session& session, int16_t hopper, int32_t discharge) {
-  auto rows = session.Database().OpenRecordset(
-      "select sum(PARCIALPESO) as pes from ExtPesada "
-      "where " +
-      WhereHopperDischarge(hopper, discharge));
-  return ToDouble(Tools::ValueOrZero(rows->Value("pes")));
+  const Variant kilos = Aggregate(session, "select sum(PARCIALPESO) as pes from ExtPesada where " +
+                                               WhereHopperDischarge(hopper, discharge));
+  return ToDouble(Tools::ValueOrZero(kilos));
 }
 
 std::string FillSplitPlaceholders(std::string sql, double share, int16_t origin,

@@ -2,6 +2,7 @@
 
 #include "ambrelio/composition/composition.h"
 #include "ambrelio/data/glob_traza.h"
+#include "ambrelio/data/queries.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/value/convert.h"
 
@@ -20,11 +21,10 @@ Variant Descarga::Composicion(int16_t clase) {
 }
 
 OleDate Descarga::ReadMoment(const std::string& column) {
-  auto rows = session_.Database().OpenRecordset(
-      "select " + column + " from Descargas where (Tolva=" + Tools::IntegerText(hopper_) +
-      ") and (Descarga=" + Tools::LongText(number_) + ") ");
-  if (rows->AtEnd()) return {};
-  return ToDate(Tools::ValueOrZero(rows->Value(column)));
+  const auto moment = data::FirstValue(
+      session_, "select " + column + " from Descargas where (Tolva=" + Tools::IntegerText(hopper_) +
+                    ") and (Descarga=" + Tools::LongText(number_) + ") ");
+  return moment ? ToDate(Tools::ValueOrZero(*moment)) : OleDate();
 }
 
 }  // namespace ambrelio

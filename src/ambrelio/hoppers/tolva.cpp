@@ -4,11 +4,13 @@
 
 #include "ambrelio/composition/composition.h"
 #include "ambrelio/data/glob_traza.h"
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/data/transaction.h"
 #include "ambrelio/hoppers/descarga.h"
 #include "ambrelio/hoppers/reassign.h"
 #include "ambrelio/kestro/tools.h"
+#include "ambrelio/value/arithmetic.h"
 #include "ambrelio/value/convert.h"
 
 namespace ambrelio {
@@ -19,18 +21,17 @@ using data::WhereHopperDischarge;
 using kestro::Tools;
 
 OleDate Tolva::MomentoInicio() {
-  auto rows = session_.Database().OpenRecordset(
-      "select MomentoDesde from Descargas where (Tolva=" + Tools::IntegerText(hopper_) +
-      ") and (Descarga=" + Tools::LongText(DescargaEnCurso()) + ") ");
-  if (rows->AtEnd()) return {};
-  return ToDate(Tools::ValueOrZero(rows->Value("MomentoDesde")));
+  const std::string current = Tools::LongText(DescargaEnCurso());
+  const auto start = data::FirstValue(
+      session_, "select MomentoDesde from Descargas where (Tolva=" + Tools::IntegerText(hopper_) +
+                    ") and (Descarga=" + current + ") ");
+  return start ? ToDate(Tools::ValueOrZero(*start)) : OleDate();
 }
 
 int32_t Tolva::DescargaEnCurso() {
-  const Variant last = session_.Database()
-                           .OpenRecordset("select max(Descarga) from Descargas where Tolva=" +
-                                          Tools::IntegerText(hopper_) + " ")
-                           ->Value(0);
+  const Variant last = data::Aggregate(
+      session_,
+      "select max(Descarga) from Descargas where Tolva=" + Tools::IntegerText(hopper_) + " ");
   if (!last.is_null()) return ToLong(last);
   return data::InsertFirstDischarge(session_, hopper_) ? 1 : 0;
 }
@@ -42,7 +43,7 @@ bool Tolva::Descargar(int16_t dto, int16_t mol, double& qto) {
     const auto current = CurrentDischarge(session_, hopper_);
     if (!current || current->tank >= 1) return false;
     Close(current->number, dto, mol, 1);
-    const int32_t next = RoundToLong(current->number + 1.0);
+    const int32_t next = Successor(current->number);
     if (!OpenNext(next)) return false;
     // What stays in the hopper goes over to the new discharge.
     return qto >= 1 ||
@@ -52,47 +53,42 @@ bool Tolva::Descargar(int16_t dto, int16_t mol, double& qto) {
 
 bool Tolva::RestaurarCarga() {
   return data::InTransaction(session_, [&] {
-    dao::Database& database = session_.Database();
     const auto undone = CurrentDischarge(session_, hopper_);
     if (!undone) return false;
-    database.Execute("delete from Descargas where " +
-                     WhereHopperDischarge(hopper_, undone->number));
-    if (database.RecordsAffected() == 0) return false;
+    if (data::Execute(session_, "delete from Descargas where " +
+                                    WhereHopperDischarge(hopper_, undone->number)) == 0) {
+      return false;
+    }
 
     const auto restored = CurrentDischarge(session_, hopper_);
     if (!restored || EmptiedSince(restored->tank, undone->start)) return false;
-    database.Execute(
-        "update Descargas set MomentoHasta= Null, Molino= 0, Deposito=0, Fraccion=Null "
-        "where " +
-        WhereHopperDischarge(hopper_, restored->number));
-    if (database.RecordsAffected() == 0) return false;
+    if (data::Execute(
+            session_,
+            "update Descargas set MomentoHasta= Null, Molino= 0, Deposito=0, Fraccion=Null "
+            "where " +
+                WhereHopperDischarge(hopper_, restored->number)) == 0) {
+      return false;
+    }
     return ReassignDischarge(session_, hopper_, undone->number, hopper_, restored->number, 1);
   });
 }
 
 std::shared_ptr<ambrelio::Descarga> Tolva::Descarga(int32_t cod) {
-  if (cod <= 0) return nullptr;
-  auto rows = session_.Database().OpenRecordset(
-      "select Descarga from Descargas where (Tolva=" + Tools::IntegerText(hopper_) +
-      ") and (Descarga=" + Tools::LongText(cod) + ") ");
-  if (rows->AtEnd()) return nullptr;
-  rows->Close();
+  if (cod <= 0 || !data::HasRows(session_, "select Descarga from Descargas where (Tolva=" +
+                                               Tools::IntegerText(hopper_) +
+                                               ") and (Descarga=" + Tools::LongText(cod) + ") ")) {
+    return nullptr;
+  }
   return std::make_shared<ambrelio::Descarga>(session_, hopper_, cod);
 }
 
 int32_t Tolva::Partidas() {
   const auto current = CurrentDischarge(session_, hopper_);
   if (!current) return 0;
-  auto rows = session_.Database().OpenRecordset(
-      "select count(partida) as cnt from ExtPesada "
-      "where "
-      "(tolva=" +
-      Tools::IntegerText(hopper_) +
-      ") "
-      "and "
-      "(descarga=" +
-      Tools::LongText(current->number) + ") ");
-  return ToLong(Tools::ValueOrZero(rows->Value("cnt")));
+  return ToLong(Tools::ValueOrZero(data::Aggregate(
+      session_,
+      "select count(partida) as cnt from ExtPesada where (tolva=" + Tools::IntegerText(hopper_) +
+          ") and (descarga=" + Tools::LongText(current->number) + ") ")));
 }
 
 double Tolva::Acumulado() {
@@ -108,43 +104,25 @@ Variant Tolva::Composicion(int16_t clase) {
 
 // The condition on the tank lets it touch an open discharge only.
 void Tolva::Close(int32_t discharge, int16_t tank, int16_t mill_line, double fraction) {
-  session_.Database().Execute(
-      "update Descargas "
-      "set "
-      "Deposito= " +
-      Tools::IntegerText(tank) +
-      ", "
-      "MomentoHasta= " +
-      SqlDate(session_.Now()) +
-      ", "
-      "Molino= " +
-      Tools::IntegerText(mill_line) +
-      ", "
-      "Fraccion= " +
-      data::SqlNum8(fraction) +
-      " "
-      "where " +
-      WhereHopperDischarge(hopper_, discharge) + " and (Deposito=0) ");
+  session_.Database().Execute("update Descargas set Deposito= " + Tools::IntegerText(tank) +
+                              ", MomentoHasta= " + SqlDate(session_.Now()) +
+                              ", Molino= " + Tools::IntegerText(mill_line) +
+                              ", Fraccion= " + data::SqlNum8(fraction) + " where " +
+                              WhereHopperDischarge(hopper_, discharge) + " and (Deposito=0) ");
 }
 
 bool Tolva::OpenNext(int32_t discharge) {
-  dao::Database& database = session_.Database();
-  database.Execute(
-      "insert into Descargas "
-      "(Tolva, Descarga, MomentoDesde, MomentoHasta, Molino, Deposito, Fraccion) "
-      "values (" +
-      Tools::IntegerText(hopper_) + ", " + Tools::LongText(discharge) + ", " +
-      SqlDate(session_.Now()) +
-      ", Null, "
-      "0, 0, Null) ");
-  return database.RecordsAffected() != 0;
+  return data::Execute(
+             session_,
+             "insert into Descargas "
+             "(Tolva, Descarga, MomentoDesde, MomentoHasta, Molino, Deposito, Fraccion) values (" +
+                 Tools::IntegerText(hopper_) + ", " + Tools::LongText(discharge) + ", " +
+                 SqlDate(session_.Now()) + ", Null, 0, 0, Null) ") > 0;
 }
 
 bool Tolva::EmptiedSince(int16_t tank, OleDate moment) {
-  const Variant last = session_.Database()
-                           .OpenRecordset("select max(mmto) from Vaciados where Deposito=" +
-                                          Tools::IntegerText(tank))
-                           ->Value(0);
+  const Variant last = data::Aggregate(
+      session_, "select max(mmto) from Vaciados where Deposito=" + Tools::IntegerText(tank));
   return !last.is_null() && ToDate(last) > moment;
 }
 

@@ -1,6 +1,7 @@
 #include "ambrelio/hoppers/tva_inter.h"
 
 #include "ambrelio/data/glob_traza.h"
+#include "ambrelio/data/queries.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/value/convert.h"
 
@@ -12,35 +13,20 @@ bool TvaInter::DescargarEn(int16_t dno) {
   if (dno < 1 || dno > session_.hopper_count) return false;
   const auto current = data::CurrentDischarge(session_, dno);
   if (!current) return false;
-  session_.Database().Execute(
-      "update PESADA "
-      "set "
-      "TOLVA=" +
-      Tools::IntegerText(dno) +
-      ", "
-      "DESCARGA=" +
-      Tools::LongText(current->number) +
-      " "
-      "where " +
-      Marker());
+  session_.Database().Execute("update PESADA set TOLVA=" + Tools::IntegerText(dno) + ", DESCARGA=" +
+                              Tools::LongText(current->number) + " where " + Marker());
   return true;
 }
 
 int32_t TvaInter::Partidas() {
-  auto rows = session_.Database().OpenRecordset(
-      "select count(PARTIDA) as cnt from PESADA "
-      "where " +
-      Marker());
-  return ToLong(Tools::ValueOrZero(rows->Value("cnt")));
+  return ToLong(Tools::ValueOrZero(
+      data::Aggregate(session_, "select count(PARTIDA) as cnt from PESADA where " + Marker())));
 }
 
 // Waiting weighings are never divided, so their weights come straight from PESADA.
 int32_t TvaInter::Acumulado() {
-  auto rows = session_.Database().OpenRecordset(
-      "select sum(PARCIALPESO) as pes from PESADA "
-      "where " +
-      Marker());
-  return ToLong(Tools::ValueOrZero(rows->Value("pes")));
+  return ToLong(Tools::ValueOrZero(
+      data::Aggregate(session_, "select sum(PARCIALPESO) as pes from PESADA where " + Marker())));
 }
 
 std::string TvaInter::Marker() const { return "(TOLVA=-" + Tools::IntegerText(number_) + ") "; }

@@ -3,11 +3,11 @@
 #include <array>
 
 #include "ambrelio/composition/composition.h"
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/history.h"
 #include "ambrelio/tanks/lists.h"
-#include "ambrelio/tanks/queries.h"
 #include "ambrelio/value/arithmetic.h"
 #include "ambrelio/value/convert.h"
 
@@ -46,7 +46,7 @@ std::string BandInsert(const std::string& insert, const Variant& band) {
 
 std::string Deposito::Nombre() {
   const auto name =
-      tanks::FirstValue(session_, "select Nombre from Depositos where Codigo=" + TankText());
+      data::FirstValue(session_, "select Nombre from Depositos where Codigo=" + TankText());
   return name ? Tools::ValueAsText(*name) : "";
 }
 
@@ -56,8 +56,8 @@ void Deposito::SetNombre(const std::string& name) {
     return;
   }
   const std::string text = "'" + data::ReplaceApostrophes(name) + "'";
-  if (tanks::Execute(session_,
-                     "update Depositos set Nombre=" + text + " where Codigo=" + TankText()) == 0) {
+  if (data::Execute(session_,
+                    "update Depositos set Nombre=" + text + " where Codigo=" + TankText()) == 0) {
     session_.Database().Execute("insert into Depositos (Codigo, Nombre) values (" + TankText() +
                                 ", " + text + ") ");
   }

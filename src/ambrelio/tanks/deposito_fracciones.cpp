@@ -1,9 +1,9 @@
 #include <cmath>
 
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/deposito.h"
-#include "ambrelio/tanks/queries.h"
 
 namespace ambrelio {
 namespace {
@@ -31,9 +31,9 @@ void Deposito::MoverFraccion(int16_t hopper, int32_t discharge, int16_t destinat
                              double amount) {
   // The amount goes unsigned behind its sign, so that no plus is followed by a minus.
   const std::string sign = amount < 0 ? "-" : "+";
-  if (tanks::Execute(session_, "update Descargas set Fraccion= Fraccion" + sign +
-                                   data::SqlNum8(std::abs(amount)) + " " +
-                                   FiltroDescarga(hopper, discharge, destination)) != 0) {
+  if (data::Execute(session_, "update Descargas set Fraccion= Fraccion" + sign +
+                                  data::SqlNum8(std::abs(amount)) + " " +
+                                  FiltroDescarga(hopper, discharge, destination)) != 0) {
     session_.Database().Execute(kClearDust);
     return;
   }

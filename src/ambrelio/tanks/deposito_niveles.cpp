@@ -1,9 +1,9 @@
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/deposito.h"
 #include "ambrelio/tanks/history.h"
 #include "ambrelio/tanks/nivel.h"
-#include "ambrelio/tanks/queries.h"
 #include "ambrelio/value/arithmetic.h"
 #include "ambrelio/value/convert.h"
 
@@ -32,13 +32,13 @@ bool Deposito::EntradaNivel(const Variant& mmt, int32_t nivel, double litrs) {
     volume = Capacidad(nivel);
     if (volume < 0) return false;
   }
-  if (!tanks::HasRows(session_, DischargesInto(TankText())) &&
-      !tanks::HasRows(session_, InflowsInto(TankText()))) {
+  if (!data::HasRows(session_, DischargesInto(TankText())) &&
+      !data::HasRows(session_, InflowsInto(TankText()))) {
     return false;
   }
   const int32_t item = Successor(UltimoItem());
   const OleDate moment = IsDate(mmt) ? ToDate(mmt) : session_.Now();
-  return tanks::Execute(
+  return data::Execute(
              session_,
              "insert into Niveles (Deposito, Item, Momento, Nivel, Litros, Densidad) values (" +
                  TankText() + ", " + Tools::LongText(item) + ", " + data::SqlDate(moment) + ", " +
@@ -48,15 +48,15 @@ bool Deposito::EntradaNivel(const Variant& mmt, int32_t nivel, double litrs) {
 
 bool Deposito::EntradaDensidad(double dens, int32_t itm) {
   const int32_t item = itm == 0 ? UltimoItem() : itm;
-  return tanks::Execute(session_, "update Niveles set Densidad= " + data::SqlNum8(dens) +
-                                      " where (Deposito=" + TankText() +
-                                      ") and (Item=" + Tools::LongText(item) + ") ") > 0;
+  return data::Execute(session_, "update Niveles set Densidad= " + data::SqlNum8(dens) +
+                                     " where (Deposito=" + TankText() +
+                                     ") and (Item=" + Tools::LongText(item) + ") ") > 0;
 }
 
 bool Deposito::EliminarUltimoNivel() {
   const std::string item = Tools::LongText(UltimoItem());
-  return tanks::Execute(session_, "delete from Niveles where (Deposito=" + TankText() +
-                                      ") and (Item=" + item + ") ") > 0;
+  return data::Execute(session_, "delete from Niveles where (Deposito=" + TankText() +
+                                     ") and (Item=" + item + ") ") > 0;
 }
 
 Variant Deposito::NivelActual() {
@@ -70,7 +70,7 @@ Variant Deposito::LitrosActual() {
 }
 
 double Deposito::KilosActual() {
-  return ToDouble(Tools::ValueOrZero(tanks::Aggregate(
+  return ToDouble(Tools::ValueOrZero(data::Aggregate(
       session_,
       "select sum(PARCIALPESO*Fraccion) as pes "
       "from ExtPesada left join Descargas "
@@ -81,16 +81,16 @@ double Deposito::KilosActual() {
 
 std::shared_ptr<Nivel> Deposito::Nivel(int32_t cod) {
   if (cod <= 0 ||
-      !tanks::HasRows(session_, "select Item from Niveles where (Deposito=" + TankText() +
-                                    ") and (Item=" + Tools::LongText(cod) + ") ")) {
+      !data::HasRows(session_, "select Item from Niveles where (Deposito=" + TankText() +
+                                   ") and (Item=" + Tools::LongText(cod) + ") ")) {
     return nullptr;
   }
   return std::make_shared<ambrelio::Nivel>(session_, tank_, cod);
 }
 
 Deposito::State Deposito::EstadoActual() {
-  const auto discharge = tanks::LastValue(session_, DischargesInto(TankText()));
-  const auto inflow = tanks::LastValue(session_, InflowsInto(TankText()));
+  const auto discharge = data::LastValue(session_, DischargesInto(TankText()));
+  const auto inflow = data::LastValue(session_, InflowsInto(TankText()));
   State state;
   if (!discharge && !inflow) return state;
   const bool inflow_is_last = !discharge || (inflow && tanks::IsLater(*inflow, *discharge));
@@ -117,9 +117,9 @@ Deposito::State Deposito::EstadoActual() {
 
 void Deposito::CountEmptyingsSince(OleDate reading, State& state) {
   const auto litres_by = [&](const std::string& column) {
-    return tanks::Aggregate(session_, "select sum(Cantidad) from Vaciados where (" + column + "=" +
-                                          TankText() + ") and (mmto>" + data::SqlDate(reading) +
-                                          ") ");
+    return data::Aggregate(session_, "select sum(Cantidad) from Vaciados where (" + column + "=" +
+                                         TankText() + ") and (mmto>" + data::SqlDate(reading) +
+                                         ") ");
   };
   const auto add = [&state](double litres) {
     state.litres = Checked(state.litres + litres);
@@ -132,12 +132,12 @@ void Deposito::CountEmptyingsSince(OleDate reading, State& state) {
 
 int32_t Deposito::UltimoItem() {
   return ToLong(Tools::ValueOrZero(
-      tanks::Aggregate(session_, "select max(Item) from Niveles where Deposito=" + TankText())));
+      data::Aggregate(session_, "select max(Item) from Niveles where Deposito=" + TankText())));
 }
 
 OleDate Deposito::MomentoUltimoVaciado() {
   const auto last_by = [&](const std::string& column) {
-    return tanks::Aggregate(
+    return data::Aggregate(
         session_, "select max(mmto) from Vaciados where (" + column + "=" + TankText() + ") ");
   };
   const OleDate out = MomentOf(last_by("Deposito"));

@@ -1,12 +1,12 @@
 #include <cmath>
 
 #include "ambrelio/data/glob_traza.h"
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/data/transaction.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/deposito.h"
 #include "ambrelio/tanks/lists.h"
-#include "ambrelio/tanks/queries.h"
 #include "ambrelio/tanks/vaciado.h"
 #include "ambrelio/value/arithmetic.h"
 #include "ambrelio/value/convert.h"
@@ -73,16 +73,16 @@ int32_t Deposito::NuevoVaciado(int16_t dno, double& qty, const Variant& mmto,
 
 bool Deposito::InsertEmptying(int32_t number, OleDate moment, double quantity, int16_t destination,
                               const std::string& use_values) {
-  return tanks::Execute(session_,
-                        "insert into Vaciados (Deposito, Vaciado, mmto, Cantidad, Destino, "
-                        "Uso, Lote, Cliente, Transportista, DestinoVenta) values (" +
-                            TankText() + ", " + Tools::LongText(number) + ", " +
-                            data::SqlDate(moment) + ", " + data::SqlNum8(quantity) + ", " +
-                            Tools::IntegerText(destination) + ", " + use_values + ") ") > 0;
+  return data::Execute(session_,
+                       "insert into Vaciados (Deposito, Vaciado, mmto, Cantidad, Destino, "
+                       "Uso, Lote, Cliente, Transportista, DestinoVenta) values (" +
+                           TankText() + ", " + Tools::LongText(number) + ", " +
+                           data::SqlDate(moment) + ", " + data::SqlNum8(quantity) + ", " +
+                           Tools::IntegerText(destination) + ", " + use_values + ") ") > 0;
 }
 
 bool Deposito::InsertSnapshot(int32_t number) {
-  return tanks::Execute(
+  return data::Execute(
              session_,
              "insert into detVaciados (Deposito, Vaciado, Tolva, Descarga, Molino, Fraccion) "
              "select " +
@@ -117,15 +117,15 @@ bool Deposito::DeshacerVaciado() {
     session_.Database().Execute("delete from Niveles where (Deposito=" + TankText() +
                                 ") and (Momento>" + data::SqlDate(last.moment) + ") ");
     return GiveBack(emptying, last.destination) &&
-           tanks::Execute(session_, "delete from detVaciados " + emptying) > 0 &&
-           tanks::Execute(session_, "delete from Vaciados " + emptying) > 0;
+           data::Execute(session_, "delete from detVaciados " + emptying) > 0 &&
+           data::Execute(session_, "delete from Vaciados " + emptying) > 0;
   });
 }
 
 bool Deposito::DischargedSince(OleDate moment) {
   const auto hopper =
-      tanks::LastValue(session_, "select Tolva from Descargas where Deposito=" + TankText() +
-                                     " order by MomentoHasta, Tolva ");
+      data::LastValue(session_, "select Tolva from Descargas where Deposito=" + TankText() +
+                                    " order by MomentoHasta, Tolva ");
   if (!hopper) return false;
   const auto current = data::CurrentDischarge(session_, Tools::ValueAsInteger(*hopper));
   return current && current->start > moment;
@@ -140,12 +140,12 @@ bool Deposito::GiveBack(const std::string& emptying, int16_t destination) {
     const std::string share = "where " + data::WhereHopperDischarge(hopper, discharge) +
                               " and (Deposito=" + TankText() + ") ";
     if (destination > 0) {
-      const auto now = tanks::FirstValue(session_, "select Fraccion from Descargas " + share);
+      const auto now = data::FirstValue(session_, "select Fraccion from Descargas " + share);
       const double kept = now ? ToDouble(Tools::ValueOrZero(*now)) : 0;
       MoverFraccion(hopper, discharge, destination, kept - before);
     }
-    if (tanks::Execute(session_, "update Descargas set Fraccion=" + data::SqlNum8(before) + " " +
-                                     share) == 0) {
+    if (data::Execute(session_, "update Descargas set Fraccion=" + data::SqlNum8(before) + " " +
+                                    share) == 0) {
       return false;
     }
   }
@@ -154,8 +154,8 @@ bool Deposito::GiveBack(const std::string& emptying, int16_t destination) {
 
 std::shared_ptr<Vaciado> Deposito::Vaciado(int32_t cod) {
   if (cod <= 0 ||
-      !tanks::HasRows(session_, "select Vaciado from Vaciados where (Deposito=" + TankText() +
-                                    ") and (Vaciado=" + Tools::LongText(cod) + ") ")) {
+      !data::HasRows(session_, "select Vaciado from Vaciados where (Deposito=" + TankText() +
+                                   ") and (Vaciado=" + Tools::LongText(cod) + ") ")) {
     return nullptr;
   }
   return std::make_shared<ambrelio::Vaciado>(session_, tank_, cod);
@@ -177,7 +177,7 @@ Deposito::LastEmptying Deposito::UltimoVaciadoDatos() {
 }
 
 int32_t Deposito::SiguienteVaciado() {
-  return Successor(ToLong(Tools::ValueOrZero(tanks::Aggregate(
+  return Successor(ToLong(Tools::ValueOrZero(data::Aggregate(
       session_, "select max(Vaciado) from Vaciados where Deposito=" + TankText()))));
 }
 

@@ -1,9 +1,9 @@
 #include "ambrelio/tanks/nivel.h"
 
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/history.h"
-#include "ambrelio/tanks/queries.h"
 #include "ambrelio/value/convert.h"
 
 namespace ambrelio {
@@ -19,8 +19,8 @@ void Nivel::SetMomento(OleDate moment) {
   Variant before;
   Variant after;
   if (!GetCotasMomento(before, after) || !tanks::FitsBetween(moment, before, after)) return;
-  if (tanks::Execute(session_,
-                     "update Niveles set Momento=" + data::SqlDate(moment) + " " + Where()) > 0) {
+  if (data::Execute(session_,
+                    "update Niveles set Momento=" + data::SqlDate(moment) + " " + Where()) > 0) {
     // The day number goes into the level: clients have come to see it there.
     level_ = ToLong(moment);
   }
@@ -37,8 +37,8 @@ bool Nivel::GetCotasMomento(Variant& mmt1, Variant& mmt2) {
 int32_t Nivel::NivelLeido() { return Load() ? level_ : 0; }
 
 void Nivel::SetNivel(int32_t level) {
-  if (tanks::Execute(session_,
-                     "update Niveles set Nivel=" + Tools::LongText(level) + " " + Where()) > 0) {
+  if (data::Execute(session_,
+                    "update Niveles set Nivel=" + Tools::LongText(level) + " " + Where()) > 0) {
     level_ = level;
   }
 }
@@ -46,8 +46,8 @@ void Nivel::SetNivel(int32_t level) {
 double Nivel::Litros() { return Load() ? litres_ : 0; }
 
 void Nivel::SetLitros(double litres) {
-  if (tanks::Execute(session_, "update Niveles set Litros=" + Tools::LongText(RoundToLong(litres)) +
-                                   " " + Where()) > 0) {
+  if (data::Execute(session_, "update Niveles set Litros=" + Tools::LongText(RoundToLong(litres)) +
+                                  " " + Where()) > 0) {
     litres_ = litres;
   }
 }

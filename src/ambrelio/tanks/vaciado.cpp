@@ -1,11 +1,11 @@
 #include "ambrelio/tanks/vaciado.h"
 
 #include "ambrelio/composition/composition.h"
+#include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/history.h"
 #include "ambrelio/tanks/lists.h"
-#include "ambrelio/tanks/queries.h"
 #include "ambrelio/value/convert.h"
 
 namespace ambrelio {
@@ -48,8 +48,8 @@ bool Vaciado::FijarUso(int16_t u, int32_t cli, int32_t trp, const std::string& d
     if (cli >= 1 || trp >= 1) return false;
     referents = "Cliente=Null, Transportista=Null, DestinoVenta=Null ";
   }
-  if (tanks::Execute(session_, "update Vaciados set Uso=" + Tools::IntegerText(u) + ", " +
-                                   referents + Where()) <= 0) {
+  if (data::Execute(session_, "update Vaciados set Uso=" + Tools::IntegerText(u) + ", " +
+                                  referents + Where()) <= 0) {
     return false;
   }
   // The row counts as read from here on, even when the lot never was.
@@ -64,7 +64,7 @@ bool Vaciado::FijarUso(int16_t u, int32_t cli, int32_t trp, const std::string& d
 std::string Vaciado::Lote() { return Load() ? lot_ : ""; }
 
 void Vaciado::SetLote(const std::string& lot) {
-  if (tanks::Execute(session_, "update Vaciados set Lote=" + data::SqlText(lot) + " " + Where()) >
+  if (data::Execute(session_, "update Vaciados set Lote=" + data::SqlText(lot) + " " + Where()) >
       0) {
     lot_ = lot;
   }
@@ -76,7 +76,7 @@ double Vaciado::Litros() {
 }
 
 OleDate Vaciado::Momento() {
-  const auto moment = tanks::FirstValue(session_, "select mmto from Vaciados " + Where());
+  const auto moment = data::FirstValue(session_, "select mmto from Vaciados " + Where());
   return moment ? ToDate(Tools::ValueOrZero(*moment)) : OleDate();
 }
 
@@ -106,7 +106,7 @@ bool Vaciado::GetCotasMomento(Variant& mmt1, Variant& mmt2) {
 }
 
 int16_t Vaciado::Destino() {
-  const auto tank = tanks::FirstValue(session_, "select Destino from Vaciados " + Where());
+  const auto tank = data::FirstValue(session_, "select Destino from Vaciados " + Where());
   return tank ? Tools::ValueAsInteger(*tank) : int16_t{0};
 }
 
@@ -138,7 +138,7 @@ std::string Vaciado::Where() const {
 }
 
 double Vaciado::Kilos() {
-  return ToDouble(Tools::ValueOrZero(tanks::Aggregate(
+  return ToDouble(Tools::ValueOrZero(data::Aggregate(
       session_,
       "select sum(PARCIALPESO*Fraccion) as pes "
       "from ExtPesada left join detVaciados "

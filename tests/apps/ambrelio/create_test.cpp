@@ -9,7 +9,7 @@ class CreateCommand : public test::CliTest {
  protected:
   // Writes the three master files into a folder and gives its path.
   std::string Masters(const std::string& members = "CODSOC,NOMSOC\n1,Ana\n2,\"Gil, hijos\"\n") {
-    const std::string masters = folder.Folder("masters");
+    std::string masters = folder.Folder("masters");
     test::WriteText(masters + "/socios.csv", members);
     test::WriteText(masters + "/productos.csv", "CODPRO,NOMPRO\n1,Picual\n");
     test::WriteText(masters + "/municipios.csv", "CODMUN,NOMMUN\n1,Jaén\n");

@@ -67,6 +67,7 @@ TEST_F(Program, AReaderThatWentAwayIsNamed) {
 }
 
 TEST_F(Program, ReplaysTheExampleSeasonWithoutAnError) {
+  SetUpIni("MaxTolvas", "4,2,12");
   const auto outcome = Shell("$AMBRELIO journal --app $APP '" AMBRELIO_SOURCE_DIR
                              "/examples/campana/journal.jsonl'");
   EXPECT_EQ(outcome.code, 0) << outcome.err;

@@ -1,6 +1,6 @@
-#include "ambrelio/tanks/queries.h"
+#include "ambrelio/data/queries.h"
 
-namespace ambrelio::tanks {
+namespace ambrelio::data {
 
 bool HasRows(Session& session, const std::string& sql) {
   return !session.Database().OpenRecordset(sql)->AtEnd();
@@ -29,4 +29,4 @@ int32_t Execute(Session& session, const std::string& sql) {
   return database.RecordsAffected();
 }
 
-}  // namespace ambrelio::tanks
+}  // namespace ambrelio::data

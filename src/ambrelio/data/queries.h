@@ -1,4 +1,4 @@
-// Questions with a single answer.
+// Questions with a single answer, and statements that tell what they did.
 #pragma once
 
 #include <optional>
@@ -7,7 +7,7 @@
 #include "ambrelio/data/session.h"
 #include "ambrelio/value/variant.h"
 
-namespace ambrelio::tanks {
+namespace ambrelio::data {
 
 // Whether a query has any row.
 bool HasRows(Session& session, const std::string& sql);
@@ -19,4 +19,4 @@ Variant Aggregate(Session& session, const std::string& sql);
 // Carries out a statement; the number of rows it wrote.
 int32_t Execute(Session& session, const std::string& sql);
 
-}  // namespace ambrelio::tanks
+}  // namespace ambrelio::data
