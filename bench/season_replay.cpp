@@ -48,9 +48,9 @@ class FreshMill {
 
 // Carries out the season and gives the seconds it took.
 double ReplayThroughTheLibrary(const std::vector<cli::JournalLine>& season,
-                               std::shared_ptr<dao::DBEngine> engine) {
+                               const std::shared_ptr<dao::DBEngine>& engine) {
   const FreshMill fresh;
-  cli::Mill mill({fresh.folder.path()}, std::move(engine));
+  cli::Mill mill({fresh.folder.path()}, engine);
   const auto start = std::chrono::steady_clock::now();
   for (const cli::JournalLine& line : season) cli::CarryOut(mill, line);
   return Seconds(start);

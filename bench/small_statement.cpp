@@ -50,7 +50,7 @@ void Expect(benchmark::State& state, double kilos) {
 void SelectThroughTheEngine(benchmark::State& state) {
   Tables& tables = Shared();
   int code = 0;
-  for (auto _ : state) {
+  for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
     const auto rows = tables.engine_database->OpenRecordset(
         "select kilos, name from T where (code=" + std::to_string(++code % kRows) + ") ");
     Expect(state, ToDouble(rows->Value("kilos")));
@@ -62,7 +62,7 @@ void SelectOnRawSqlite(benchmark::State& state) {
   Tables& tables = Shared();
   sqlite3_stmt* statement = tables.raw.Prepare("select kilos, name from T where code=?1");
   int code = 0;
-  for (auto _ : state) {
+  for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
     sqlite3_bind_int(statement, 1, ++code % kRows);
     sqlite3_step(statement);
     Expect(state, sqlite3_column_double(statement, 0));
@@ -77,7 +77,7 @@ void UpdateThroughTheEngine(benchmark::State& state) {
   Tables& tables = Shared();
   tables.engine->DefaultWorkspace().BeginTrans();
   int code = 0;
-  for (auto _ : state) {
+  for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
     tables.engine_database->Execute(
         "update T set kilos=1840.50000000 where (code=" + std::to_string(++code % kRows) + ") ");
     if (tables.engine_database->RecordsAffected() != 1) state.SkipWithError("a wrong count");
@@ -91,7 +91,7 @@ void UpdateOnRawSqlite(benchmark::State& state) {
   tables.raw.Run("begin");
   sqlite3_stmt* statement = tables.raw.Prepare("update T set kilos=?1 where code=?2");
   int code = 0;
-  for (auto _ : state) {
+  for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
     sqlite3_bind_double(statement, 1, 1840.5);
     sqlite3_bind_int(statement, 2, ++code % kRows);
     sqlite3_step(statement);

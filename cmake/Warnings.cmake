@@ -2,7 +2,7 @@
 add_library(ambrelio_warnings INTERFACE)
 target_compile_options(ambrelio_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor
-  -Wold-style-cast -Woverloaded-virtual -Wnull-dereference
+  -Wold-style-cast -Woverloaded-virtual
   # GCC 12 sees overlapping copies in ordinary std::string concatenations when it optimises.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${AMBRELIO_WERROR}>:-Werror>)

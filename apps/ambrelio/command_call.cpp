@@ -63,7 +63,7 @@ void RunCall(const CallOptions& options, Context& context) {
   const automation::Path path = ParseCallPath(options.path);
   TraceFile trace(context.trace_path);
   {
-    Mill mill(options.mill, trace);
+    Mill mill(options.mill, trace.MakeEngine());
     try {
       Write(context.console, CallText(mill, path, options));
     } catch (const AutomationError& error) {

@@ -61,7 +61,7 @@ void RunJournal(const JournalOptions& options, Context& context) {
   if (!from_input) file = OpenJournal(options.file);
   int malformed = 0;
   {
-    Mill mill(options.mill, trace);
+    Mill mill(options.mill, trace.MakeEngine());
     const ReplayOptions replay{from_input ? "standard input" : options.file, options.keep_going,
                                /*flush_each=*/from_input};
     malformed = Replay(mill, from_input ? context.console.in : file, replay, context.console);

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "ambrelio/dao/trace.h"
 #include "ambrelio/engine/engine.h"
@@ -62,8 +63,8 @@ std::shared_ptr<dao::Database> OpenDatabase(Session& session,
   }
 }
 
-Mill::Mill(const MillOptions& options, TraceFile& trace) {
-  session_.UseEngine(trace.MakeEngine());
+Mill::Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine) {
+  session_.UseEngine(std::move(engine));
   const frame::DatabaseSettings settings = ReadSettings(session_, options);
   root_ = std::make_shared<Trazabilidad>(session_);
   root_->Constructor(options.app, options.vardex3);

@@ -45,7 +45,7 @@ std::shared_ptr<dao::Database> OpenDatabase(Session& session,
 class Mill {
  public:
   // Raises Failure, saying why, when the database does not open.
-  Mill(const MillOptions& options, TraceFile& trace);
+  Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine);
 
   Session& session() { return session_; }
   const std::shared_ptr<Trazabilidad>& root() const { return root_; }
