@@ -101,6 +101,7 @@ std::vector<Step> StepsFor(const std::vector<std::string>& sent) {
   std::vector<Step> steps;
   std::map<std::string, std::string> by_shape;
   for (const std::string& text : sent) {
+    if (text == "close") continue;
     if (text == "begin" || text == "commit" || text == "rollback") {
       steps.push_back({text, {}});
       continue;

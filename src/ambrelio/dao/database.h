@@ -64,6 +64,7 @@ class Database {
   // With a name, the query is stored at once (3012 when the name is taken).
   virtual std::shared_ptr<QueryDef> CreateQueryDef(const std::string& name,
                                                    const std::string& sql) = 0;
+  // As they are now; what other connections change later shows after a Refresh.
   virtual Collection<TableDef>& TableDefs() = 0;
   virtual Collection<QueryDef>& QueryDefs() = 0;
 

@@ -40,12 +40,12 @@ std::shared_ptr<dao::QueryDef> Database::CreateQueryDef(const std::string& name,
 }
 
 dao::Collection<dao::TableDef>& Database::TableDefs() {
-  connection_->CheckOpen();
+  table_defs_.Refresh();
   return table_defs_;
 }
 
 dao::Collection<dao::QueryDef>& Database::QueryDefs() {
-  connection_->CheckOpen();
+  query_defs_.Refresh();
   return query_defs_;
 }
 

@@ -23,9 +23,8 @@ class DefinitionList : public dao::Collection<T> {
 
   std::shared_ptr<T> Item(std::string_view name) const final { return At(PlaceOf(name)); }
 
-  // The catalogue is compared with the file before each use, so there is nothing to do but to fail
-  // when the database is closed.
-  void Refresh() final { this->Count(); }
+  // Lists in memory have nothing to read again.
+  void Refresh() override { this->Count(); }
 
  protected:
   // `source` is the class that errors name, as "DAO.Fields".

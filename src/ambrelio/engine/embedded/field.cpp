@@ -50,7 +50,7 @@ const FieldInfo& Field::Info() const {
 }
 
 const TableInfo& Field::Table() const {
-  const TableInfo* const table = connection_->catalogue().Current().FindTable(table_);
+  const TableInfo* const table = connection_->catalogue().Known().FindTable(table_);
   if (table == nullptr) dao::Raise(DaoError::kObjectClosed, kSource);
   return *table;
 }

@@ -76,7 +76,7 @@ std::shared_ptr<dao::Field> Index::CreateField(const std::string& name) {
 }
 
 const TableInfo& Index::Table() const {
-  const TableInfo* const table = connection_->catalogue().Current().FindTable(table_);
+  const TableInfo* const table = connection_->catalogue().Known().FindTable(table_);
   if (table == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.Index");
   return *table;
 }

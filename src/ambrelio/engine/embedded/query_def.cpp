@@ -18,7 +18,7 @@ QueryDef::QueryDef(std::shared_ptr<Connection> connection, int64_t query)
 const QueryInfo& QueryDef::Info() const {
   connection_->CheckOpen();
   if (!appended()) return draft_;
-  const QueryInfo* const query = connection_->catalogue().Current().FindQuery(query_);
+  const QueryInfo* const query = connection_->catalogue().Known().FindQuery(query_);
   if (query == nullptr) dao::Raise(dao::DaoError::kObjectClosed, "DAO.QueryDef");
   return *query;
 }
@@ -36,11 +36,11 @@ void QueryDef::SetSql(const std::string& sql) {
 void QueryDef::Store(const std::shared_ptr<Connection>& connection) {
   connection->catalogue().CreateQuery(draft_);
   connection_ = connection;
-  query_ = connection->catalogue().Current().FindQuery(draft_.name)->id;
+  query_ = connection->catalogue().Known().FindQuery(draft_.name)->id;
 }
 
 int QueryDefs::Count() const {
-  return static_cast<int>(connection_->catalogue().Current().queries.size());
+  return static_cast<int>(connection_->catalogue().Known().queries.size());
 }
 
 void QueryDefs::Append(const std::shared_ptr<dao::QueryDef>& item) {
@@ -50,12 +50,14 @@ void QueryDefs::Append(const std::shared_ptr<dao::QueryDef>& item) {
 
 void QueryDefs::Delete(std::string_view name) { connection_->catalogue().DropQuery(name); }
 
+void QueryDefs::Refresh() { connection_->catalogue().Current(); }
+
 std::string QueryDefs::NameAt(int place) const {
-  return InfoAt(connection_->catalogue().Current().queries, place).name;
+  return InfoAt(connection_->catalogue().Known().queries, place).name;
 }
 
 std::shared_ptr<dao::QueryDef> QueryDefs::At(int place) const {
-  const QueryInfo& query = InfoAt(connection_->catalogue().Current().queries, place);
+  const QueryInfo& query = InfoAt(connection_->catalogue().Known().queries, place);
   return std::make_shared<QueryDef>(connection_, query.id);
 }
 

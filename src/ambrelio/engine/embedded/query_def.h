@@ -43,6 +43,7 @@ class QueryDefs final : public DefinitionList<dao::QueryDef> {
   int Count() const override;
   void Append(const std::shared_ptr<dao::QueryDef>& item) override;
   void Delete(std::string_view name) override;
+  void Refresh() override;
 
  private:
   std::string NameAt(int place) const override;

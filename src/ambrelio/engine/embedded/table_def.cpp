@@ -56,7 +56,7 @@ std::shared_ptr<dao::Index> TableDef::CreateIndex(const std::string& name) {
 }
 
 const TableInfo& TableDef::Info() const {
-  const TableInfo* const table = connection_->catalogue().Current().FindTable(table_);
+  const TableInfo* const table = connection_->catalogue().Known().FindTable(table_);
   if (table == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.TableDef");
   return *table;
 }
@@ -68,7 +68,7 @@ void TableDef::Store(const std::shared_ptr<Connection>& connection) {
   for (const auto& index : indexes_.drafts()) info.indexes.push_back(index->Definition());
   connection->catalogue().CreateTable(info);
   connection_ = connection;
-  table_ = connection->catalogue().Current().FindTable(draft_name_)->id;
+  table_ = connection->catalogue().Known().FindTable(draft_name_)->id;
   fields_.BecomeStored();
   indexes_.BecomeStored();
 }
@@ -119,6 +119,10 @@ std::string TableFields::NameAt(int place) const {
                          : InfoAt(drafts_, place)->Name();
 }
 
+void TableFields::Refresh() {
+  if (table_.stored()) table_.connection()->catalogue().Current();
+}
+
 std::shared_ptr<dao::Field> TableFields::At(int place) const {
   if (!table_.stored()) return InfoAt(drafts_, place);
   const TableInfo& info = table_.Info();
@@ -166,6 +170,10 @@ std::string TableIndexes::NameAt(int place) const {
                          : InfoAt(drafts_, place)->Name();
 }
 
+void TableIndexes::Refresh() {
+  if (table_.stored()) table_.connection()->catalogue().Current();
+}
+
 std::shared_ptr<dao::Index> TableIndexes::At(int place) const {
   if (!table_.stored()) return InfoAt(drafts_, place);
   const TableInfo& info = table_.Info();
@@ -173,7 +181,7 @@ std::shared_ptr<dao::Index> TableIndexes::At(int place) const {
 }
 
 int TableDefs::Count() const {
-  return static_cast<int>(connection_->catalogue().Current().tables.size());
+  return static_cast<int>(connection_->catalogue().Known().tables.size());
 }
 
 void TableDefs::Append(const std::shared_ptr<dao::TableDef>& item) {
@@ -183,12 +191,14 @@ void TableDefs::Append(const std::shared_ptr<dao::TableDef>& item) {
 
 void TableDefs::Delete(std::string_view name) { connection_->catalogue().DropTable(name); }
 
+void TableDefs::Refresh() { connection_->catalogue().Current(); }
+
 std::string TableDefs::NameAt(int place) const {
-  return InfoAt(connection_->catalogue().Current().tables, place).name;
+  return InfoAt(connection_->catalogue().Known().tables, place).name;
 }
 
 std::shared_ptr<dao::TableDef> TableDefs::At(int place) const {
-  const TableInfo& table = InfoAt(connection_->catalogue().Current().tables, place);
+  const TableInfo& table = InfoAt(connection_->catalogue().Known().tables, place);
   return std::make_shared<TableDef>(connection_, table.id);
 }
 

@@ -25,6 +25,7 @@ class TableFields final : public DefinitionList<dao::Field> {
   int Count() const override;
   void Append(const std::shared_ptr<dao::Field>& item) override;
   void Delete(std::string_view name) override;
+  void Refresh() override;
 
   const std::vector<std::shared_ptr<Field>>& drafts() const { return drafts_; }
   // Makes the fields in memory those of the table just stored.
@@ -44,6 +45,7 @@ class TableIndexes final : public DefinitionList<dao::Index> {
   int Count() const override;
   void Append(const std::shared_ptr<dao::Index>& item) override;
   void Delete(std::string_view name) override;
+  void Refresh() override;
 
   const std::vector<std::shared_ptr<Index>>& drafts() const { return drafts_; }
   void BecomeStored();
@@ -94,6 +96,7 @@ class TableDefs final : public DefinitionList<dao::TableDef> {
   int Count() const override;
   void Append(const std::shared_ptr<dao::TableDef>& item) override;
   void Delete(std::string_view name) override;
+  void Refresh() override;
 
  private:
   std::string NameAt(int place) const override;

@@ -41,8 +41,11 @@ class OneMoment {
 
 CatalogueStore::CatalogueStore(Storage& storage) : storage_(storage) {}
 
-const Catalogue& CatalogueStore::Current() {
-  const bool changed = storage_.ChangedByOthers();
+const Catalogue& CatalogueStore::Current() { return Reread(storage_.ChangedByOthers()); }
+
+const Catalogue& CatalogueStore::Known() { return Reread(false); }
+
+const Catalogue& CatalogueStore::Reread(bool changed) {
   const bool undone = storage_.rollbacks() != rollbacks_;
   rollbacks_ = storage_.rollbacks();
   if (loaded_ && (changed || undone)) {

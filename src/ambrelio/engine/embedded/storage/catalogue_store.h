@@ -21,6 +21,9 @@ class CatalogueStore {
 
   // The catalogue as it is now: read again when another connection, or a rollback, changed it.
   const Catalogue& Current();
+  // The catalogue as this connection last saw it, its own changes and rollbacks included: what
+  // definition objects show between two refreshes, without asking the file each time.
+  const Catalogue& Known();
   // Another number whenever Current() has changed.
   int64_t version() const { return version_; }
 
@@ -51,6 +54,7 @@ class CatalogueStore {
   // The same for a change of the rows that describe one table, which the table itself then follows.
   void ChangeTable(std::string_view name,
                    const std::function<void(const TableInfo& before)>& change_rows);
+  const Catalogue& Reread(bool changed);
   void Load();
   void CheckTableNameFree(const std::string& name);
 
