@@ -113,11 +113,21 @@ ExprPtr Binding::BindColumn(const sql::Expr& expr, Place place) {
       if (SameName((*items_)[i].alias, expr.name)) return BindExpr(*(*items_)[i].expr, place);
     }
   }
-  std::string name = expr.qualifier.empty() ? expr.name : expr.qualifier + "." + expr.name;
+  std::string name = FirstName(expr);
   const bool known = std::any_of(unknown_names_.begin(), unknown_names_.end(),
                                  [&](const std::string& other) { return SameName(other, name); });
   if (!known) unknown_names_.push_back(std::move(name));
   return bound::MakeLiteral(Variant::Null(), ValueType::kNull);
+}
+
+std::string FirstName(const sql::Expr& expr) {
+  if (expr.kind == sql::ExprKind::kColumn) {
+    return expr.qualifier.empty() ? expr.name : expr.qualifier + "." + expr.name;
+  }
+  for (const auto& arg : expr.args) {
+    if (std::string name = FirstName(*arg); !name.empty()) return name;
+  }
+  return expr.name;
 }
 
 ExprPtr Binding::BindOperator(const sql::Expr& expr, Place place) {
@@ -126,7 +136,7 @@ ExprPtr Binding::BindOperator(const sql::Expr& expr, Place place) {
   result->negated = expr.negated;
   const auto type = [&](size_t i) { return result->args[i]->type; };
   const auto require_comparable = [&](size_t i) {
-    if (!Comparable(type(0), type(i))) Fail(DaoError::kTypeMismatchInCondition);
+    if (!Comparable(type(0), type(i))) Fail(DaoError::kTypeMismatchInCondition, FirstName(expr));
   };
   switch (expr.kind) {
     case sql::ExprKind::kNegate:
@@ -171,7 +181,9 @@ ExprPtr Binding::BindSubquery(const sql::Expr& expr, Place place) {
     result->type = type;
   } else {
     result->kind = ExprKind::kInQuery;
-    if (!Comparable(result->args[0]->type, type)) Fail(DaoError::kTypeMismatchInCondition);
+    if (!Comparable(result->args[0]->type, type)) {
+      Fail(DaoError::kTypeMismatchInCondition, FirstName(expr));
+    }
   }
   return result;
 }

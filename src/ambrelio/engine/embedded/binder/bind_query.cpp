@@ -12,6 +12,16 @@ using bound::Query;
 using bound::Select;
 using dao::DaoError;
 
+namespace {
+
+bool HoldsQuery(const Expr& expr) {
+  bool found = false;
+  bound::ForEachExpr(expr, [&](const Expr& part) { found = found || part.query != nullptr; });
+  return found;
+}
+
+}  // namespace
+
 std::unique_ptr<Query> Binding::BindQuery(const sql::Query& query) {
   return query.select ? BindSelect(query) : BindUnion(query);
 }
@@ -64,11 +74,10 @@ std::unique_ptr<Query> Binding::BindSelect(const sql::Query& query) {
       RequireGrouped(*key.expr, select, scope, order_error);
       if (select.distinct && !Contains(select.items, *key.expr)) Fail(order_error);
     }
-    for (const ExprPtr& key : select.distinct ? select.items : select.group_by) {
-      select.keys.push_back(bound::Clone(*key));
-    }
-  } else {
-    for (const ExprPtr& key : scope.row_keys) select.keys.push_back(bound::Clone(*key));
+  }
+  const auto& groups = select.grouped ? select.group_by : scope.row_keys;
+  for (const ExprPtr& key : select.distinct ? select.items : groups) {
+    select.keys.push_back(bound::Clone(*key));
   }
   CompleteOrder(*result);
   if (select.grouped) {
@@ -78,12 +87,16 @@ std::unique_ptr<Query> Binding::BindSelect(const sql::Query& query) {
   return result;
 }
 
-// `select distinct a, b` is the groups of a and b, shown in their first spelling.
+// `select distinct a, b` is the groups of a and b, shown in their first spelling. Where that cannot
+// be said the storage engine drops the equal rows.
 void Binding::GroupBySelectList(Select& select) {
+  // Constants need no group, and what holds a query is never recognised as a group.
+  const auto holds_query = [](const ExprPtr& item) { return HoldsQuery(*item); };
+  if (std::any_of(select.items.begin(), select.items.end(), holds_query)) return;
   for (const ExprPtr& item : select.items) {
     if (item->kind != ExprKind::kLiteral) select.group_by.push_back(bound::Clone(*item));
   }
-  if (select.group_by.empty()) return;  // nothing but constants: left to the storage engine
+  if (select.group_by.empty()) return;
   select.grouped = true;
   select.distinct = false;
 }

@@ -95,7 +95,7 @@ ExprPtr Binding::BindOn(const sql::Expr& on, const Source& left, const Source& r
   scope_ = outside;
   // A name that nothing provides is reported as such.
   if (unknown_names_.size() == unknown_before && !JoinsBoth(*bound, left, right)) {
-    Fail(DaoError::kJoinNotSupported);
+    Fail(DaoError::kJoinNotSupported, FirstName(on));
   }
   return bound;
 }

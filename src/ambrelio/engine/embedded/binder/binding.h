@@ -12,6 +12,10 @@
 
 namespace ambrelio::embedded {
 
+// The first name in an expression, as messages show where a fault is: a column, else a function, ""
+// without either.
+std::string FirstName(const sql::Expr& expr);
+
 class Binding {
  public:
   explicit Binding(const Catalogue& catalogue) : catalogue_(catalogue) {}

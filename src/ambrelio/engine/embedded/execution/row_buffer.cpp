@@ -76,6 +76,7 @@ Variant RowBuffer::Value(size_t row, size_t column) const {
   if (cell.held == Held::kNull) return Variant::Null();
   if (cell.held == Held::kText) return std::string_view(texts_).substr(cell.offset, cell.length);
   const double real = cell.held == Held::kReal ? cell.real : static_cast<double>(cell.integer);
+  if (!std::isfinite(real)) Raise(RuntimeError::kOverflow);
   switch (type) {
     case ValueType::kBoolean:
       return real != 0;

@@ -23,10 +23,11 @@ bool Parser::AtConstant() const {
   return tokens_.AtWord("null") || tokens_.AtWord("true") || tokens_.AtWord("false");
 }
 
-// Left and Right are functions as well as kinds of joins.
+// Left and Right are functions as well as kinds of joins, Asc as well as an order.
 bool Parser::AtCall() const {
   return tokens_.Peek().kind == TokenKind::kWord && tokens_.AtSymbol("(", 1) &&
-         (tokens_.AtName() || tokens_.AtWord("left") || tokens_.AtWord("right"));
+         (tokens_.AtName() || tokens_.AtWord("left") || tokens_.AtWord("right") ||
+          tokens_.AtWord("asc"));
 }
 
 ExprPtr Parser::ParseOperand() {

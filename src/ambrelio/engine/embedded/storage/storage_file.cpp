@@ -3,10 +3,11 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string_view>
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/platform/file_path.h"
+#include "ambrelio/platform/unfinished_file.h"
 
 namespace ambrelio::embedded {
 namespace {
@@ -25,15 +26,11 @@ constexpr std::string_view kSqliteMark("SQLite format 3\0", 16);
 // Where a Jet file names its format.
 constexpr size_t kJetMarkAt = 4;
 
-fs::path PathOf(const std::string& utf8) {
-  return fs::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
 void CheckFolder(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos) {
     dao::Raise(DaoError::kInvalidDatabaseName, kSource, path);
   }
-  const fs::path folder = PathOf(path).parent_path();
+  const fs::path folder = FilePath(path).parent_path();
   std::error_code error;
   if (!folder.empty() && !fs::is_directory(folder, error)) {
     dao::Raise(DaoError::kInvalidPath, kSource, path);
@@ -41,7 +38,7 @@ void CheckFolder(const std::string& path) {
 }
 
 std::string ReadHeader(const std::string& path) {
-  std::ifstream file(PathOf(path), std::ios::binary);
+  std::ifstream file(FilePath(path), std::ios::binary);
   if (!file) dao::Raise(DaoError::kAccessDenied, kSource, path);
   std::string header(kHeaderSize, '\0');
   file.read(header.data(), static_cast<std::streamsize>(header.size()));
@@ -73,44 +70,12 @@ void CheckHeader(std::string_view header, const std::string& path) {
   }
 }
 
-// A file that is being made; whatever is left of it at the end goes.
-class Unfinished {
- public:
-  explicit Unfinished(const std::string& path) {
-    std::random_device random;
-    path_ = path + "." + std::to_string(random()) + ".new";
-  }
-  ~Unfinished() {
-    std::error_code ignored;
-    for (const char* const suffix : {"", kLog, "-shm", "-journal"}) {
-      fs::remove(PathOf(path_ + suffix), ignored);
-    }
-  }
-  Unfinished(const Unfinished&) = delete;
-  Unfinished& operator=(const Unfinished&) = delete;
-
-  const std::string& path() const { return path_; }
-
-  void MoveTo(const std::string& path) const {
-    std::error_code error;
-    fs::create_hard_link(PathOf(path_), PathOf(path), error);
-    if (!error) return;
-    // Without hard links there is only the renaming, which would overwrite.
-    if (fs::exists(PathOf(path))) dao::Raise(DaoError::kDatabaseExists, kSource, path);
-    fs::rename(PathOf(path_), PathOf(path), error);
-    if (error) dao::Raise(DaoError::kAccessDenied, kSource, path);
-  }
-
- private:
-  std::string path_;
-};
-
 }  // namespace
 
 void CheckDatabaseFile(const std::string& path) {
   CheckFolder(path);
   std::error_code error;
-  const fs::file_status status = fs::status(PathOf(path), error);
+  const fs::file_status status = fs::status(FilePath(path), error);
   if (status.type() == fs::file_type::not_found) {
     dao::Raise(DaoError::kFileNotFound, kSource, path);
   }
@@ -120,7 +85,7 @@ void CheckDatabaseFile(const std::string& path) {
 
 bool CompanionExists(const std::string& path, const char* suffix) {
   std::error_code error;
-  return fs::exists(PathOf(path + suffix), error);
+  return fs::exists(FilePath(path + suffix), error);
 }
 
 void CreateWhole(const std::string& path, const std::function<void(const std::string&)>& write) {
@@ -129,9 +94,11 @@ void CreateWhole(const std::string& path, const std::function<void(const std::st
     if (CompanionExists(path, suffix))
       dao::Raise(DaoError::kDatabaseExists, kSource, path + suffix);
   }
-  const Unfinished file(path);
+  const UnfinishedFile file(path, {kLog, "-shm", "-journal"});
   write(file.path());
-  file.MoveTo(path);
+  const std::error_code error = file.TakePlace();
+  if (error == std::errc::file_exists) dao::Raise(DaoError::kDatabaseExists, kSource, path);
+  if (error) dao::Raise(DaoError::kAccessDenied, kSource, path);
 }
 
 std::string ImmutableUri(const std::string& path) {

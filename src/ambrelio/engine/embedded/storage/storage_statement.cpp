@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <new>
 #include <utility>
 
@@ -54,7 +55,9 @@ void RaiseStorageError(sqlite3* db, int code) {
     case SQLITE_FULL:
       dao::Raise(DaoError::kDiskFull, kSource);
     case SQLITE_IOERR:
-      dao::Raise(DaoError::kDiskError, kSource);
+      // The log's index, for one, finds no room without saying so.
+      dao::Raise(sqlite3_system_errno(db) == ENOSPC ? DaoError::kDiskFull : DaoError::kDiskError,
+                 kSource);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB: {
       const char* const file = sqlite3_db_filename(db, nullptr);
