@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "ambrelio/dao/errors.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/platform/file_path.h"
+#include "ambrelio/platform/unfinished_file.h"
 #include "ambrelio/value/automation_error.h"
 #include "commands.h"
 
@@ -56,36 +56,31 @@ void CheckMasters(const std::string& folder) {
   throw Failure(ExitCode::kFileProblem, "'" + path + "' exists already; it is left as it is");
 }
 
-// Removes a database that did not get finished.
-class Unfinished {
- public:
-  explicit Unfinished(std::string path) : path_(std::move(path)) {}
-  ~Unfinished() {
+// The place is also taken by a link that leads nowhere, and by the log of a former database, which
+// would be taken for the new one's.
+void CheckPlace(const std::string& path) {
+  for (const std::string& name : {path, path + "-wal"}) {
     std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove(FilePath(path_), ignored);
+    const auto status = std::filesystem::symlink_status(FilePath(name), ignored);
+    if (std::filesystem::exists(status)) FailExisting(name);
   }
-  Unfinished(const Unfinished&) = delete;
-  Unfinished& operator=(const Unfinished&) = delete;
-  void Keep() { path_.clear(); }
+}
 
- private:
-  std::string path_;
-};
-
-void CreateEmpty(Session& session, const frame::DatabaseSettings& settings) {
-  std::error_code ignored;
-  if (std::filesystem::exists(std::filesystem::symlink_status(FilePath(settings.path), ignored))) {
-    FailExisting(settings.path);
+void PutInPlace(const UnfinishedFile& file, const std::string& path) {
+  const std::error_code error = file.TakePlace();
+  if (error == std::errc::file_exists) FailExisting(path);  // somebody else was faster
+  if (error) {
+    throw Failure(ExitCode::kFileProblem,
+                  fmt::format("the database '{}' cannot be created: {}", path, error.message()));
   }
-  Unfinished unfinished(settings.path);
+}
+
+// Makes the database `unfinished`, which is to become that of the settings.
+void CreateEmpty(Session& session, const frame::DatabaseSettings& settings,
+                 const std::string& unfinished) {
   try {
-    host::CreateMillDatabase(session.Engine(), settings.path, settings.password);
-    unfinished.Keep();
+    host::CreateMillDatabase(session.Engine(), unfinished, settings.password);
   } catch (const AutomationError& error) {
-    if (error.number() == static_cast<int>(dao::DaoError::kDatabaseExists)) {
-      unfinished.Keep();  // somebody else was faster
-      FailExisting(settings.path);
-    }
     throw Failure(ExitCode::kFileProblem,
                   fmt::format("the database '{}' cannot be created: error {}: {}", settings.path,
                               error.number(), error.description()));
@@ -103,7 +98,9 @@ std::string LoadMasters(Session& session, const frame::DatabaseSettings& setting
           host::LoadMaster(session.Engine(), *database, master.table, MasterPath(folder, master));
       report += fmt::format("{}: {} rows\n", master.table, rows);
     } catch (const AutomationError& error) {
-      throw Failure(ExitCode::kWrongInput, error.description());
+      const bool unreadable = error.number() == static_cast<int>(RuntimeError::kPathFileAccess);
+      throw Failure(unreadable ? ExitCode::kFileProblem : ExitCode::kWrongInput,
+                    error.description());
     }
   }
   database->Close();
@@ -117,11 +114,14 @@ void RunCreate(const CreateOptions& options, Context& context) {
   const frame::DatabaseSettings settings = ReadSettings(session, options.mill);
   if (!options.masters.empty()) CheckMasters(options.masters);
 
-  CreateEmpty(session, settings);
-  Unfinished unfinished(settings.path);
+  CheckPlace(settings.path);
+  const UnfinishedFile unfinished(settings.path);
+  CreateEmpty(session, settings, unfinished.path());
   std::string report = fmt::format("{} created\n", settings.path);
-  if (!options.masters.empty()) report += LoadMasters(session, settings, options.masters);
-  unfinished.Keep();
+  if (!options.masters.empty()) {
+    report += LoadMasters(session, {unfinished.path(), settings.password}, options.masters);
+  }
+  PutInPlace(unfinished, settings.path);
   Write(context.console, report);
   Flush(context.console);
   trace.Close();

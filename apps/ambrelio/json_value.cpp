@@ -111,6 +111,8 @@ Variant ToVariant(const Json& json) {
 }
 
 Json ParseJson(std::string_view text) {
+  // To the library a NUL is the end of the text, whatever follows.
+  if (text.find('\0') != std::string_view::npos) Fail("not JSON: there is a NUL character");
   std::vector<std::set<std::string>> keys;  // of each object that is open
   const auto check = [&keys](int depth, Json::parse_event_t event, const Json& parsed) {
     if (depth > kMostLevels) Fail("the JSON is nested too deeply");

@@ -51,7 +51,10 @@ void Declare(CLI::App& app, Context& context) {
   app.formatter(std::make_shared<HelpFormatter>());
   app.footer(kFooter);
   app.fallthrough();
-  app.require_subcommand(1);
+  // Not required of the parser, which would not name a command that it does not know.
+  app.callback([&app] {
+    if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
+  });
   AddCreate(app, context);
   AddJournal(app, context);
   AddCall(app, context);

@@ -117,6 +117,7 @@ TEST_F(Settings, ACountAbove16BitsRaises) {
     FAIL() << "no error";
   } catch (const AutomationError& error) {
     EXPECT_EQ(error.number(), 6);
+    EXPECT_EQ(error.description(), "Overflow: MaxTolvas=4,32768,6");
   }
   WriteVardex("MaxTolvas", "32767,32767,32767");
   ExpectCounts(32767, 32767, 32767);

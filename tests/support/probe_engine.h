@@ -2,6 +2,7 @@
 // asks for, and fails where a test tells it to.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -20,6 +21,8 @@ struct Probe {
   std::vector<std::string> connects;
   // Levels of the workspace that are open.
   int level = 0;
+  // What another process does to the real database just before a stored query is made; once.
+  std::function<void(dao::Database&)> before_new_query;
 
   // Fails the `request`th of what `events` lists from now on (1 is the next) with error `number`;
   // the real engine never sees it.
@@ -69,6 +72,7 @@ class Database final : public dao::Database {
   }
   std::shared_ptr<dao::QueryDef> CreateQueryDef(const std::string& name,
                                                 const std::string& sql) override {
+    if (const auto interfere = std::exchange(probe_->before_new_query, nullptr)) interfere(*real_);
     return real_->CreateQueryDef(name, sql);
   }
   dao::Collection<dao::TableDef>& TableDefs() override { return real_->TableDefs(); }

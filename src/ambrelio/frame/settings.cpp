@@ -3,6 +3,7 @@
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/platform/program_folder.h"
 #include "ambrelio/platform/text_encoding.h"
+#include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/convert.h"
 
 namespace ambrelio::frame {
@@ -14,13 +15,17 @@ namespace {
 
 // "hoppers,intermediate hoppers,tanks"; what is missing counts as 0, and a mill has a tank at
 // least.
-void LoadCounts(Session& session, std::string counts) {
-  const auto next = [&counts] {
-    return RoundToInteger(LeadingNumber(Tools::NextToken(counts, ',')));
-  };
-  session.hopper_count = next();
-  session.intermediate_hopper_count = next();
-  session.tank_count = next();
+void LoadCounts(Session& session, const std::string& counts) {
+  std::string rest = counts;
+  const auto next = [&rest] { return RoundToInteger(LeadingNumber(Tools::NextToken(rest, ','))); };
+  try {
+    session.hopper_count = next();
+    session.intermediate_hopper_count = next();
+    session.tank_count = next();
+  } catch (const AutomationError& error) {
+    throw AutomationError(error.number(), error.source(),
+                          error.description() + ": MaxTolvas=" + counts);
+  }
   if (session.tank_count == 0) session.tank_count = 1;
 }
 

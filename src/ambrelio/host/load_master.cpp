@@ -1,10 +1,9 @@
-#include <fstream>
-#include <iterator>
+#include <utility>
 
-#include "ambrelio/dao/errors.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/host/csv.h"
 #include "ambrelio/host/sql_literal.h"
+#include "ambrelio/platform/atomic_file.h"
 #include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/locale.h"
@@ -13,9 +12,9 @@ namespace ambrelio::host {
 namespace {
 
 std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) dao::Raise(dao::DaoError::kFileNotFound, "Ambrelio", path);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  auto bytes = ReadWholeFile(path);
+  if (!bytes) Raise(RuntimeError::kPathFileAccess, path + ": the file cannot be read");
+  return *std::move(bytes);
 }
 
 // Inserts the rows of one file into one table.

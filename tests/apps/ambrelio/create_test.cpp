@@ -102,6 +102,34 @@ TEST_F(CreateCommand, AMalformedMasterNamesFileAndLineAndLeavesNoDatabase) {
   EXPECT_EQ(CreateWith(Masters()).code, 0) << "a second attempt starts afresh";
 }
 
+TEST_F(CreateCommand, AFolderInPlaceOfAMasterIsAFileProblem) {
+  const std::string masters = Masters();
+  std::filesystem::remove(masters + "/municipios.csv");
+  folder.Folder("masters/municipios.csv");
+  const auto outcome = CreateWith(masters);
+  EXPECT_EQ(outcome.code, 3);
+  EXPECT_THAT(outcome.err, HasSubstr(masters + "/municipios.csv: the file cannot be read"));
+  EXPECT_FALSE(std::filesystem::exists(database()));
+}
+
+TEST_F(CreateCommand, TheLogOfAFormerDatabaseIsLeftAsItIs) {
+  test::WriteText(database() + "-wal", "committed rows");
+  const auto outcome = test::RunCli({"create", "--app", app});
+  EXPECT_EQ(outcome.code, 3);
+  EXPECT_THAT(outcome.err, HasSubstr(database() + "-wal' exists already"));
+  EXPECT_EQ(test::ReadText(database() + "-wal"), "committed rows");
+}
+
+TEST_F(CreateCommand, LeavesNothingBesidesTheDatabase) {
+  EXPECT_EQ(CreateWith(Masters("no such column\n")).code, 2);
+  Create();
+  std::vector<std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(app)) {
+    files.push_back(entry.path().filename().string());
+  }
+  EXPECT_THAT(files, testing::UnorderedElementsAre("Vardex.ini", "oliva.mdb"));
+}
+
 TEST_F(CreateCommand, AMissingMasterStopsBeforeTheDatabaseIsMade) {
   const std::string masters = Masters();
   std::filesystem::remove(masters + "/productos.csv");

@@ -91,6 +91,11 @@ TEST(ParseJson, RefusesWhatIsNoJson) {
   EXPECT_THAT(ProblemOf("'a'"), HasSubstr("not JSON"));
 }
 
+TEST(ParseJson, RefusesWhatFollowsANul) {
+  EXPECT_THAT(ProblemOf(std::string("{\"a\":1}\0{", 9)), HasSubstr("NUL"));
+  EXPECT_EQ(ParseJson(R"("a\u0000b")").get<std::string>(), std::string("a\0b", 3));
+}
+
 TEST(ParseJson, RefusesAKeyGivenTwice) {
   EXPECT_THAT(ProblemOf(R"({"a":1,"b":{"a":2},"a":3})"), HasSubstr("the key \"a\" is given twice"));
   EXPECT_NO_THROW(ParseJson(R"([{"a":1},{"a":2,"b":{"a":1}}])"));

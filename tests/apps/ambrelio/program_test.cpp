@@ -59,6 +59,17 @@ TEST_F(Program, AFullDiskUnderHelpIsNamed) {
   EXPECT_EQ(outcome.code, 3);
 }
 
+TEST_F(Program, ACreationThatIsKilledLeavesNoHalfDatabase) {
+  // The limit for the size of files kills the program while it fills the database.
+  const auto outcome = Shell(
+      "rm $APP/oliva.mdb; (ulimit -c 0; ulimit -f 100; exec $AMBRELIO create --app $APP "
+      "--masters '" AMBRELIO_SOURCE_DIR
+      "/examples/campana'); test $? -gt 128 && "
+      "test ! -e $APP/oliva.mdb && $AMBRELIO create --app $APP");
+  EXPECT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_EQ(Query("select * from SOCIO"), R"({"result":[]})");
+}
+
 TEST_F(Program, AReaderThatWentAwayIsNamed) {
   const auto outcome = Shell(
       "{ for i in 1 2 3 4 5 6; do sleep 0.05; echo '{\"call\":\"MaximoTolvas\"}'; done | "

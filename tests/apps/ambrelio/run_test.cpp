@@ -59,6 +59,7 @@ TEST_F(CommandLine, WrongArgumentsAreCodeTwo) {
       {"sql", "a.mdb", "select 1", "--json", "--csv"},
       {"sql", "--app", app, "select 1", "--password", "x"},
       {"--trace"},
+      {"frob", "create", "--app", app},
   };
   for (const auto& arguments : wrong) {
     const auto outcome = test::RunCli(arguments);
@@ -66,6 +67,10 @@ TEST_F(CommandLine, WrongArgumentsAreCodeTwo) {
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, StartsWith("ambrelio: ")) << testing::PrintToString(arguments);
   }
+}
+
+TEST_F(CommandLine, AnUnknownCommandIsNamed) {
+  EXPECT_THAT(test::RunCli({"frob"}).err, HasSubstr("not expected: frob"));
 }
 
 TEST_F(CommandLine, AMissingApplicationFolderIsAFileProblem) {
@@ -119,6 +124,23 @@ TEST_F(CommandLine, ATraceThatCannotBeWrittenStopsBeforeAnythingRuns) {
   EXPECT_EQ(outcome.code, 3);
   EXPECT_THAT(outcome.err, HasSubstr("the trace file '" + trace + "' cannot be written: No such"));
   EXPECT_FALSE(std::filesystem::exists(database()));
+}
+
+TEST_F(CommandLine, ATraceReplacesNothingButAnEarlierTrace) {
+  Create();
+  const std::string before = test::ReadText(database());
+  const std::string journal = folder.File("journal.jsonl");
+  const std::string line = "{\"sql\":\"select \\\"us\\\":1\"}\n";
+  test::WriteText(journal, line);
+  for (const std::string& precious : {database(), journal}) {
+    const auto outcome = test::RunCli({"--trace", precious, "sql", "--app", app, "select 1"});
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err,
+              "ambrelio: '" + precious + "' exists already and is no trace; it is left as it is\n");
+  }
+  EXPECT_EQ(test::ReadText(database()), before);
+  EXPECT_EQ(test::ReadText(journal), line);
 }
 
 TEST_F(CommandLine, ATraceThatDoesNotFitIsAnError) {

@@ -1,0 +1,38 @@
+#include "ambrelio/platform/unfinished_file.h"
+
+#include <filesystem>
+#include <random>
+#include <utility>
+
+#include "ambrelio/platform/file_path.h"
+
+namespace ambrelio {
+
+namespace fs = std::filesystem;
+
+UnfinishedFile::UnfinishedFile(std::string place, std::vector<std::string> companions)
+    : place_(std::move(place)), companions_(std::move(companions)) {
+  std::random_device random;
+  path_ = place_ + "." + std::to_string(random()) + ".new";
+}
+
+UnfinishedFile::~UnfinishedFile() {
+  std::error_code ignored;
+  fs::remove(FilePath(path_), ignored);
+  for (const std::string& suffix : companions_) fs::remove(FilePath(path_ + suffix), ignored);
+}
+
+std::error_code UnfinishedFile::TakePlace() const {
+  std::error_code error;
+  fs::create_hard_link(FilePath(path_), FilePath(place_), error);
+  if (!error || error == std::errc::file_exists) return error;
+  // Without hard links there is only the renaming, which would overwrite.
+  std::error_code ignored;
+  if (fs::exists(fs::symlink_status(FilePath(place_), ignored))) {
+    return std::make_error_code(std::errc::file_exists);
+  }
+  fs::rename(FilePath(path_), FilePath(place_), error);
+  return error;
+}
+
+}  // namespace ambrelio
