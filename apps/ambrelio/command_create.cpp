@@ -24,6 +24,10 @@ database that exists is never overwritten. The master files are UTF-8, separated
 by commas, and their first line names the columns.
 )help";
 
+// What the engine keeps beside a database while it is open.
+constexpr const char* kLog = "-wal";
+constexpr const char* kLogIndex = "-shm";
+
 struct CreateOptions {
   MillOptions mill;
   std::string masters;
@@ -59,7 +63,7 @@ void CheckMasters(const std::string& folder) {
 // The place is also taken by a link that leads nowhere, and by the log of a former database, which
 // would be taken for the new one's.
 void CheckPlace(const std::string& path) {
-  for (const std::string& name : {path, path + "-wal"}) {
+  for (const std::string& name : {path, path + kLog}) {
     std::error_code ignored;
     const auto status = std::filesystem::symlink_status(FilePath(name), ignored);
     if (std::filesystem::exists(status)) FailExisting(name);
@@ -75,36 +79,39 @@ void PutInPlace(const UnfinishedFile& file, const std::string& path) {
   }
 }
 
-// Makes the database `unfinished`, which is to become that of the settings.
-void CreateEmpty(Session& session, const frame::DatabaseSettings& settings,
-                 const std::string& unfinished) {
-  try {
-    host::CreateMillDatabase(session.Engine(), unfinished, settings.password);
-  } catch (const AutomationError& error) {
-    throw Failure(ExitCode::kFileProblem,
-                  fmt::format("the database '{}' cannot be created: error {}: {}", settings.path,
-                              error.number(), error.description()));
-  }
-}
-
 // Returns what to tell.
 std::string LoadMasters(Session& session, const frame::DatabaseSettings& settings,
                         const std::string& folder) {
   std::string report;
   const auto database = OpenDatabase(session, settings);
   for (const Master& master : kMasters) {
-    try {
-      const int rows =
-          host::LoadMaster(session.Engine(), *database, master.table, MasterPath(folder, master));
-      report += fmt::format("{}: {} rows\n", master.table, rows);
-    } catch (const AutomationError& error) {
-      const bool unreadable = error.number() == static_cast<int>(RuntimeError::kPathFileAccess);
-      throw Failure(unreadable ? ExitCode::kFileProblem : ExitCode::kWrongInput,
-                    error.description());
-    }
+    const int rows =
+        host::LoadMaster(session.Engine(), *database, master.table, MasterPath(folder, master));
+    report += fmt::format("{}: {} rows\n", master.table, rows);
   }
   database->Close();
   return report;
+}
+
+// Makes the database of `settings` under the name `unfinished`. Returns what to tell.
+std::string Make(Session& session, const frame::DatabaseSettings& settings,
+                 const std::string& masters, const std::string& unfinished) {
+  try {
+    host::CreateMillDatabase(session.Engine(), unfinished, settings.password);
+    std::string report = fmt::format("{} created\n", settings.path);
+    if (!masters.empty()) {
+      report += LoadMasters(session, {unfinished, settings.password}, masters);
+    }
+    return report;
+  } catch (const AutomationError& error) {
+    // What is wrong with the content of a master names the file and the line.
+    if (error.number() == static_cast<int>(RuntimeError::kInvalidCall)) {
+      throw Failure(ExitCode::kWrongInput, error.description());
+    }
+    throw Failure(ExitCode::kFileProblem,
+                  fmt::format("the database '{}' cannot be created: error {}: {}", settings.path,
+                              error.number(), error.description()));
+  }
 }
 
 void RunCreate(const CreateOptions& options, Context& context) {
@@ -115,12 +122,8 @@ void RunCreate(const CreateOptions& options, Context& context) {
   if (!options.masters.empty()) CheckMasters(options.masters);
 
   CheckPlace(settings.path);
-  const UnfinishedFile unfinished(settings.path);
-  CreateEmpty(session, settings, unfinished.path());
-  std::string report = fmt::format("{} created\n", settings.path);
-  if (!options.masters.empty()) {
-    report += LoadMasters(session, {unfinished.path(), settings.password}, options.masters);
-  }
+  const UnfinishedFile unfinished(settings.path, {kLog, kLogIndex});
+  const std::string report = Make(session, settings, options.masters, unfinished.path());
   PutInPlace(unfinished, settings.path);
   Write(context.console, report);
   Flush(context.console);
