@@ -137,6 +137,14 @@ TEST_F(OpenClose, FindsAFileCutShortDamaged) {
   }
 }
 
+TEST_F(OpenClose, FindsASchemaFormatThatThereIsNotDamaged) {
+  Create()->Close();
+  std::string bytes = Read("oliva.mdb");
+  bytes[47] = 9;
+  Write("oliva.mdb", bytes);
+  EXPECT_EQ(OpenError("oliva.mdb"), 3049);
+}
+
 TEST_F(OpenClose, FindsAnOverwrittenPageDamaged) {
   Create()->Close();
   std::string bytes = Read("oliva.mdb");

@@ -26,6 +26,8 @@ constexpr const char* kSettings =
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
       dao::Raise(DaoError::kAccessDenied, "DAO.Workspace", path);
+    case SQLITE_ERROR:  // a header with a format that there is not
+      dao::Raise(DaoError::kNotADatabaseOrDamaged, "DAO.Workspace", path);
     default:
       RaiseStorageError(db, code);
   }
