@@ -4,6 +4,7 @@
 
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/platform/program_folder.h"
+#include "ambrelio/platform/well_known_folders.h"
 #include "ambrelio/value/automation_error.h"
 #include "support/temp_folder.h"
 
@@ -12,6 +13,7 @@ namespace {
 
 using kestro::IniFile;
 using kestro::Tools;
+using Folder = WellKnownFolder;
 
 class Settings : public ::testing::Test {
  protected:
@@ -162,6 +164,29 @@ TEST_F(Settings, MacrosStandForTheLibraryAndTheHost) {
   EXPECT_EQ(Load().path, Tools::CombinePath(host, "oliva.mdb"));
 }
 
+TEST_F(Settings, ALabelStandsForAFolderOfTheSystem) {
+  WriteVardex("RutaBaseDatos", "{Temporal}/x");
+  EXPECT_EQ(Load().path, Tools::CombinePath(FolderPath(Folder::kTemporary) + "/x", "oliva.mdb"));
+  WriteVardex("RutaBaseDatos", "{Mis documentos}");
+  EXPECT_EQ(Load().path, Tools::CombinePath(FolderPath(Folder::kDocuments), "oliva.mdb"));
+}
+
+TEST_F(Settings, ALabelInTheNameOfTheDatabaseIsNone) {
+  WriteVardex("BaseDatos", "{Temporal}");
+  EXPECT_EQ(Load().path, Tools::CombinePath(host, "{Temporal}"));
+}
+
+TEST(ExpandPathMacros, TakesALabelAtTheStartOnly) {
+  const std::string system = FolderPath(Folder::kSystem);
+  EXPECT_EQ(ExpandPathMacros("{System}/{dat}/{System}", "/host"), system + "//host/{System}");
+  EXPECT_EQ(ExpandPathMacros("{dat}{System}", "/host"), "/host{System}");
+  EXPECT_EQ(ExpandPathMacros("{system}/x", "/host"), "{system}/x");
+}
+
+TEST(ExpandPathMacros, DoesNotTakeTheApplicationPathForALabel) {
+  EXPECT_EQ(ExpandPathMacros("{dat}/x", "{System}"), "{System}/x");
+}
+
 TEST(ExpandPathMacros, ReplacesEveryOccurrence) {
   EXPECT_EQ(ExpandPathMacros("{dat}/a/{dat}", "/host"), "/host/a//host");
   EXPECT_EQ(ExpandPathMacros("x{app}{dat}", "/host"), "x" + ProgramFolder() + "/host");
@@ -183,6 +208,19 @@ TEST_F(Settings, HoldNoPasswordByDefault) { EXPECT_EQ(Load().password, ""); }
 TEST_F(Settings, HoldAFramedEncodedPassword) {
   WriteVardex("PassworDB", "<" + Tools::Encode("Jaén 2026") + ">");
   EXPECT_EQ(Load().password, "Jaén 2026");
+}
+
+TEST_F(Settings, HoldWhatFramePasswordMakes) {
+  WriteVardex(kPasswordKey, FramePassword("Jaén 2026"));
+  EXPECT_EQ(Load().password, "Jaén 2026");
+}
+
+TEST(UnframePassword, GivesNothingForTextThatHoldsNone) {
+  EXPECT_EQ(UnframePassword(FramePassword("secreto")), "secreto");
+  EXPECT_EQ(UnframePassword(FramePassword("")), "");
+  for (const char* stored : {"", "x", "xx", "ññ", "<secreto>"}) {
+    EXPECT_EQ(UnframePassword(stored), std::nullopt) << stored;
+  }
 }
 
 TEST_F(Settings, TheFrameIsOfCharactersNotOfBytes) {

@@ -1,5 +1,6 @@
 #include "ambrelio/frame/settings.h"
 
+#include "ambrelio/folders/carpetas.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/platform/program_folder.h"
 #include "ambrelio/platform/text_encoding.h"
@@ -29,15 +30,6 @@ void LoadCounts(Session& session, const std::string& counts) {
   if (session.tank_count == 0) session.tank_count = 1;
 }
 
-// The stored password has one framing character at each end around its encoded form.
-std::string UnframePassword(const std::string& stored) {
-  const size_t length = Utf8Length(stored);
-  if (length < 3) return {};
-  const size_t first = Utf8Prefix(stored, 1).size();
-  const size_t last = Utf8Prefix(stored, length - 1).size();
-  return Tools::Decode(stored.substr(first, last - first)).value_or("");
-}
-
 }  // namespace
 
 HostIni OpenHostIni(const std::string& app_path, bool vardex3) {
@@ -57,11 +49,25 @@ DatabaseSettings LoadGeneralSettings(Session& session, const std::string& app_pa
   std::string route = ini.file.Read("RutaBaseDatos");
   if (route.empty() || session.vardex3) route = ini.folder;
   return {Tools::CombinePath(ExpandPathMacros(route, app_path), name),
-          UnframePassword(ini.file.Read("PassworDB"))};
+          UnframePassword(ini.file.Read(kPasswordKey)).value_or("")};
+}
+
+std::string FramePassword(std::string_view password) {
+  constexpr char kFrame = 'x';  // neither digit nor sign of the encoded form, nor of a shell
+  return kFrame + Tools::Encode(password) + kFrame;
+}
+
+std::optional<std::string> UnframePassword(const std::string& stored) {
+  const size_t length = Utf8Length(stored);
+  if (length < 3) return std::nullopt;
+  const size_t first = Utf8Prefix(stored, 1).size();
+  const size_t last = Utf8Prefix(stored, length - 1).size();
+  return Tools::Decode(stored.substr(first, last - first));
 }
 
 std::string ExpandPathMacros(const std::string& route, const std::string& app_path) {
-  return Tools::Replace(Tools::Replace(route, "{app}", ProgramFolder()), "{dat}", app_path);
+  const std::string expanded = folders::ExpandSpecialFolder(route);
+  return Tools::Replace(Tools::Replace(expanded, "{app}", ProgramFolder()), "{dat}", app_path);
 }
 
 }  // namespace ambrelio::frame

@@ -1,6 +1,6 @@
 // The root of the object model: settings, the database, and the way to every other object.
 //
-// Its destruction closes the database for every object of the thread.
+// Its destruction ends the sensor service and closes the database for every object of the thread.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +14,7 @@
 namespace ambrelio {
 
 class Deposito;
+class Referente;
 class Tolva;
 class TvaInter;
 
@@ -26,12 +27,13 @@ class Trazabilidad : public Object {
   const char* ClassName() const override { return "Trazabilidad"; }
 
   // Reads the settings of the host in folder `aPath`, opens the database and brings it up to its
-  // schema. Always Empty: ask BaseAbierta.
+  // schema, then loads the sensor settings and starts the sensor service. Always Empty: ask
+  // BaseAbierta. A sensor port that is taken raises 10048, with the database open.
   Variant Constructor(const std::string& path, bool vardex3, const Variant& info = {});
   bool BaseAbierta() const { return session_.IsOpen(); }
   int16_t MaximoTolvas() const { return session_.hopper_count; }
   void Cerrar();
-  // Reads the settings again and opens the database anew.
+  // Reads the settings again, opens the database and starts the sensor service anew.
   void RecargaValores();
   // Writes the six sensor settings.
   void SalvarValores();
@@ -40,6 +42,22 @@ class Trazabilidad : public Object {
   std::shared_ptr<ambrelio::TvaInter> TvaInter(int16_t tva);
   std::shared_ptr<ambrelio::Tolva> Tolva(int16_t tva);
   std::shared_ptr<ambrelio::Deposito> Deposito(int16_t dto);
+
+  // Clients (`pfx` 1) and carriers (2), see referents/catalogue.h.
+  std::shared_ptr<Referente> NuevoReferente(int16_t pfx);
+  std::shared_ptr<Referente> UnReferente(int16_t pfx, int32_t cod);
+  // Raises 91 without a referent.
+  bool GuardarReferente(int16_t pfx, const std::shared_ptr<Referente>& ref);
+  bool EliminarReferente(int16_t pfx, int32_t cod);
+  Variant ListaReferentes(int16_t pfx, int16_t ord = 0);
+
+  // The destinations of sales typed so far, each once; Empty without any.
+  Variant ListaDestinoVenta();
+
+  // What the sensor service last heard of a tank: whether there is a reading, and the reading, a
+  // Double or Null. hNoHaySensor and Empty for a tank that does not exist.
+  tpHayLectura HayLecturaNivel(int16_t dep) const;
+  Variant LecturaNivel(int16_t dep) const;
 
   // Sensor settings. Setting one neither writes the file nor restarts the sensor service.
   const std::string& ObjetoActiveX() const { return sensor_object_; }
@@ -59,9 +77,19 @@ class Trazabilidad : public Object {
   // above 1 means all of it. False, with nothing written, when refused.
   bool Trasegar(int16_t org, int16_t dno, double qto = 0);
 
+  // All discharges into tanks, readings and emptyings by time, see frame/histories.h for the rows.
+  // `dde` and `hta` count when they hold a date or text that reads as one; 0 is no limit.
+  Variant HistoriaDescargas(const Variant& dde = {}, const Variant& hta = {}, int16_t tva = 0,
+                            int16_t dto = 0);
+  Variant HistoriaNiveles(const Variant& dde = {}, const Variant& hta = {}, int16_t dto = 0);
+  Variant HistoriaVaciados(const Variant& dde = {}, const Variant& hta = {}, int16_t dto = 0);
+  // Deletes the movements of the season. Always true.
+  bool IniciarCampana();
+
  private:
   void OpenConfiguredDatabase();
   void LoadSensorSettings();
+  void StartSensors();
   // Whether the factories hand out object `number` of `count`.
   bool HandsOut(int16_t number, int16_t count) const;
 

@@ -21,6 +21,8 @@ const char* Sentence(RuntimeError error) {
       return "Object variable or With block variable not set";
     case RuntimeError::kInvalidUseOfNull:
       return "Invalid use of Null";
+    case RuntimeError::kInvalidPropertyValue:
+      return "Invalid property value";
     case RuntimeError::kObjectRequired:
       return "Object required";
     case RuntimeError::kCannotCreateObject:

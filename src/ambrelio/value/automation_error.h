@@ -38,6 +38,7 @@ enum class RuntimeError : int {
   kPathFileAccess = 75,
   kObjectNotSet = 91,
   kInvalidUseOfNull = 94,
+  kInvalidPropertyValue = 380,
   kObjectRequired = 424,
   kCannotCreateObject = 429,
   kMemberNotFound = 438,
