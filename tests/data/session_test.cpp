@@ -56,6 +56,88 @@ TEST(Session, ReadsTheClockOfTheThread) {
   EXPECT_EQ(session.Now(), At("2026-11-15 08:00:00"));
 }
 
+TEST(Session, MakesItsLoopOnFirstUseAndKeepsIt) {
+  Session session;
+  EventLoop& loop = session.Events();
+  EXPECT_EQ(&session.Events(), &loop);
+}
+
+TEST(Session, UsesTheLoopItIsGivenWhichMayBeShared) {
+  const auto loop = std::make_shared<EventLoop>();
+  Session session;
+  Session other;
+  session.UseEvents(loop);
+  other.UseEvents(loop);
+  EXPECT_EQ(&session.Events(), loop.get());
+  EXPECT_EQ(&other.Events(), loop.get());
+}
+
+TEST(Session, KeepsTheLoopItIsGiven) {
+  auto loop = std::make_shared<EventLoop>();
+  const std::weak_ptr<EventLoop> watched = loop;
+  {
+    Session session;
+    session.UseEvents(std::move(loop));
+    EXPECT_FALSE(watched.expired());
+  }
+  EXPECT_TRUE(watched.expired());
+}
+
+// A service that ticks until its end, as one with a timer does.
+class TickingService : public SensorService {
+ public:
+  TickingService(Session& session, int& ticks) : loop_(session.Events()) {
+    timer_ = loop_.StartTimer(Milliseconds(0), [&ticks] { ++ticks; });
+  }
+  ~TickingService() override { loop_.StopTimer(timer_); }
+  void StartSensors(Mode, const Variant&, int32_t, int32_t) override {}
+  Mode mode() const override { return Mode::kNone; }
+  int16_t current_tank() const override { return 0; }
+  tpHayLectura hay(int16_t) const override { return tpHayLectura::hNoHayLectura; }
+  Variant Lectura(int16_t) const override { return {}; }
+
+ private:
+  EventLoop& loop_;
+  EventLoop::TimerId timer_ = 0;
+};
+
+TEST(Session, HasNoSensorServiceAtFirst) { EXPECT_EQ(Session().Sensors(), nullptr); }
+
+TEST(Session, HoldsTheSensorServiceUntilAnotherOneIsSet) {
+  int ticks = 0;
+  Session session;
+  session.SetSensors(std::make_shared<TickingService>(session, ticks));
+  session.SetSensors(nullptr);
+  session.Events().RunUntilIdle();
+  EXPECT_EQ(ticks, 0);
+  session.SetSensors(std::make_shared<TickingService>(session, ticks));
+  session.Events().RunUntilIdle();
+  EXPECT_EQ(ticks, 1);
+}
+
+TEST(Session, LetsItsServiceGoBeforeItsLoop) {
+  int ticks = 0;
+  {
+    Session session;
+    session.SetSensors(std::make_shared<TickingService>(session, ticks));
+  }
+  EXPECT_EQ(ticks, 0);
+}
+
+class NoObject : public AutomationObject {
+ public:
+  Variant Call(std::string_view, const std::vector<Variant>&) override { return {}; }
+};
+
+TEST(Session, KnowsTheObjectsOfOtherProgramsByItself) {
+  Session session;
+  Session other;
+  session.AutomationObjects().Register("Sondas.Lector",
+                                       [] { return std::make_shared<NoObject>(); });
+  EXPECT_NE(session.AutomationObjects().Create("Sondas.Lector"), nullptr);
+  EXPECT_EQ(MillTest::ErrorOf([&] { other.AutomationObjects().Create("Sondas.Lector"); }), 429);
+}
+
 class OpenSession : public MillTest {};
 
 TEST_F(OpenSession, GivesTheDatabaseThatWasSet) {

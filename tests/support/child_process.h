@@ -24,8 +24,6 @@ class ChildProcess {
     if (pipe2(to_child, O_CLOEXEC) != 0 || pipe2(from_child, O_CLOEXEC) != 0) {
       throw std::runtime_error("no pipe");
     }
-    // A child that ends early makes writes fail, not the test end.
-    signal(SIGPIPE, SIG_IGN);
     pid_ = fork();
     if (pid_ < 0) throw std::runtime_error("no process");
     if (pid_ == 0) {
@@ -56,14 +54,11 @@ class ChildProcess {
 
   // False when the child no longer reads.
   bool Write(const std::string& text) {
-    size_t done = 0;
-    while (done < text.size()) {
-      const ssize_t count = write(input_, text.data() + done, text.size() - done);
-      if (count < 0 && errno == EINTR) continue;
-      if (count <= 0) return false;
-      done += static_cast<size_t>(count);
-    }
-    return true;
+    // A child that ends early makes the write fail, not the test end.
+    const auto before = signal(SIGPIPE, SIG_IGN);
+    const bool written = WriteAll(text);
+    signal(SIGPIPE, before);
+    return written;
   }
 
   void CloseInput() {
@@ -82,8 +77,10 @@ class ChildProcess {
     return false;
   }
 
+  void Signal(int signal) { kill(pid_, signal); }
+
   void Kill() {
-    kill(pid_, SIGKILL);
+    Signal(SIGKILL);
     Wait();
   }
 
@@ -97,6 +94,17 @@ class ChildProcess {
   }
 
  private:
+  bool WriteAll(const std::string& text) {
+    size_t done = 0;
+    while (done < text.size()) {
+      const ssize_t count = write(input_, text.data() + done, text.size() - done);
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) return false;
+      done += static_cast<size_t>(count);
+    }
+    return true;
+  }
+
   pid_t pid_ = -1;
   int input_ = -1;
   std::FILE* output_ = nullptr;

@@ -24,13 +24,20 @@ namespace ambrelio::automation {
 // The name of a C++ class in the object model; specialised beside the table.
 template <class T>
 inline constexpr const char* kClassName = nullptr;
+// The same of a C++ enumeration.
+template <class E>
+inline constexpr const char* kEnumerationName = nullptr;
 
-template <class T>
-struct TypeOf;
 template <ValueType kType>
 struct PlainType {
   static constexpr ValueType type = kType;
   static constexpr const char* object_class = nullptr;
+  static constexpr const char* enumeration = nullptr;
+};
+template <class T>
+struct TypeOf : PlainType<ValueType::kLong> {
+  static_assert(std::is_enum_v<T>);
+  static constexpr const char* enumeration = kEnumerationName<T>;
 };
 template <>
 struct TypeOf<void> : PlainType<ValueType::kNone> {};
@@ -52,10 +59,20 @@ struct TypeOf<Variant> : PlainType<ValueType::kVariant> {};
 template <>
 struct TypeOf<std::optional<Variant>> : PlainType<ValueType::kVariant> {};
 template <class T>
-struct TypeOf<std::shared_ptr<T>> {
-  static constexpr ValueType type = ValueType::kObject;
+struct TypeOf<std::shared_ptr<T>> : PlainType<ValueType::kObject> {
   static constexpr const char* object_class = kClassName<T>;
 };
+
+// What a member gives, as its caller gets it: an enumeration as its number.
+template <class T>
+Variant ResultValue(T&& result) {
+  using Value = std::remove_cvref_t<T>;
+  if constexpr (std::is_enum_v<Value>) {
+    return static_cast<int32_t>(result);
+  } else {
+    return Value(std::forward<T>(result));
+  }
+}
 
 // The value of an argument while its member runs. A member that takes it by reference to non-const
 // finds what it wrote in the list afterwards.
@@ -102,7 +119,7 @@ Variant CallWithSlots(F&& call, [[maybe_unused]] Arguments& arguments,
   if constexpr (std::is_void_v<R>) {
     call(std::get<kIndex>(slots).value()...);
   } else {
-    result = Variant(call(std::get<kIndex>(slots).value()...));
+    result = ResultValue(call(std::get<kIndex>(slots).value()...));
   }
   (std::get<kIndex>(slots).WriteBack(), ...);
   return result;
@@ -186,13 +203,13 @@ class ClassTable {
   }
   template <class F>
   ClassTable& Get(int32_t dispid, const char* name, F function, const char* help) {
-    static_assert(decltype(SignatureOf(function))::kArity == 0, "properties have no arguments");
+    static_assert(decltype(SignatureOf(function))::kArity == 0, "name every argument");
     return Add(MemberKind::kGet, dispid, name, function, nullptr, 0, help);
   }
   template <class F>
   ClassTable& Let(int32_t dispid, const char* name, F function, const char* help) {
     static_assert(decltype(SignatureOf(function))::kArity == 1, "a let takes the value");
-    const Parameter value("valor");
+    const Parameter value(kValue);
     return Add(MemberKind::kLet, dispid, name, function, &value, 1, help);
   }
 
@@ -201,10 +218,22 @@ class ClassTable {
   ClassTable& Property(int32_t dispid, const char* name, G get, L let, const char* help) {
     return Get(dispid, name, get, help).Let(dispid, name, let, help);
   }
+  // One with an index.
+  template <class G, class L>
+  ClassTable& Property(int32_t dispid, const char* name, G get, L let, const Parameter& index,
+                       const char* help) {
+    static_assert(decltype(SignatureOf(get))::kArity == 1, "a get takes the index");
+    static_assert(decltype(SignatureOf(let))::kArity == 2, "a let takes the index and the value");
+    const Parameter parameters[] = {index, kValue};
+    return Add(MemberKind::kGet, dispid, name, get, parameters, 1, help)
+        .Add(MemberKind::kLet, dispid, name, let, parameters, 2, help);
+  }
 
   Class Take() { return std::move(class_); }
 
  private:
+  static constexpr const char* kValue = "valor";  // what a let sets
+
   template <class F>
   ClassTable& Add(MemberKind kind, int32_t dispid, const char* name, F function,
                   const Parameter* parameters, size_t count, const char* help) {
@@ -218,7 +247,8 @@ class ClassTable {
           {parameters[i].name, types[i], classes[i], parameters[i].optional, parameters[i].output});
     }
     class_.members.push_back({name, kind, dispid, std::move(arguments), Result::type,
-                              Result::object_class, help, Signature::MakeInvoker(function)});
+                              Result::object_class, Result::enumeration, help,
+                              Signature::MakeInvoker(function)});
     return *this;
   }
 

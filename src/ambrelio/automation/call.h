@@ -19,9 +19,9 @@ struct CallResult {
 };
 
 // Converts the arguments to their declared types as automation does, fills in optional ones left
-// out, and calls. Raises 438 for an unknown member, 450 for too few or too many arguments, 449 for
-// one left out that is not optional, 6, 13 and 94 from the conversions, and whatever the member
-// raises.
+// out, and calls; what sets a property takes its indices first, then the value. Raises 438 for an
+// unknown member, 450 for too few or too many arguments, 449 for one left out that is not optional,
+// 6, 13 and 94 from the conversions, and whatever the member raises.
 CallResult Call(Object& object, std::string_view member, Access access, Arguments arguments);
 CallResult Call(Object& object, const Member& member, Arguments arguments);
 

@@ -1,10 +1,11 @@
-// The table itself. A row's number is its place among all members of its class, those of the
-// sensors, referents and histories included; a number never changes and is never used again.
+// The table itself. A row's number is its place among the members of its class; it never changes
+// and is never used again.
 #include "ambrelio/automation/binding.h"
 #include "ambrelio/frame/trazabilidad.h"
 #include "ambrelio/hoppers/descarga.h"
 #include "ambrelio/hoppers/tolva.h"
 #include "ambrelio/hoppers/tva_inter.h"
+#include "ambrelio/referents/referente.h"
 #include "ambrelio/tanks/deposito.h"
 #include "ambrelio/tanks/nivel.h"
 #include "ambrelio/tanks/vaciado.h"
@@ -13,6 +14,8 @@ namespace ambrelio::automation {
 
 template <>
 inline constexpr const char* kClassName<Trazabilidad> = "Trazabilidad";
+template <>
+inline constexpr const char* kClassName<Referente> = "Referente";
 template <>
 inline constexpr const char* kClassName<Tolva> = "Tolva";
 template <>
@@ -25,6 +28,8 @@ template <>
 inline constexpr const char* kClassName<Nivel> = "Nivel";
 template <>
 inline constexpr const char* kClassName<Vaciado> = "Vaciado";
+template <>
+inline constexpr const char* kEnumerationName<tpHayLectura> = "tpHayLectura";
 
 namespace {
 
@@ -41,31 +46,77 @@ Class TrazabilidadTable() {
       .Creatable()
       .ApplicationObject()
       .Method(1, "Constructor", &T::Constructor, {"aPath", "vardex3", Optional("Info")},
-              "Reads the settings of the host in a folder, opens the database and brings it up to "
-              "its schema.")
+              "Reads the settings of the host in a folder, opens the database, brings it up to its "
+              "schema and starts the sensor service.")
       .Method(2, "BaseAbierta", &T::BaseAbierta, "Whether the database is open.")
       .Method(3, "MaximoTolvas", &T::MaximoTolvas, "The number of hoppers.")
       .Method(4, "Cerrar", &T::Cerrar, "Closes the database.")
       .Method(5, "RecargaValores", &T::RecargaValores,
-              "Reads the settings again and opens the database anew.")
+              "Reads the settings again, opens the database and starts the sensor service anew.")
       .Method(6, "SalvarValores", &T::SalvarValores, "Writes the sensor settings to the INI file.")
       .Method(7, "TvaInter", &T::TvaInter, {"tva"},
               "The intermediate hopper of that number, or Nothing.")
       .Method(8, "Tolva", &T::Tolva, {"tva"}, "The hopper of that number, or Nothing.")
       .Method(9, "Deposito", &T::Deposito, {"dto"}, "The tank of that number, or Nothing.")
+      .Method(10, "NuevoReferente", &T::NuevoReferente, {"pfx"},
+              "A new client (1) or carrier (2) with the next free code, not yet saved.")
+      .Method(11, "UnReferente", &T::UnReferente, {"pfx", "cod"},
+              "The client (1) or carrier (2) of that code, or Nothing.")
+      .Method(12, "GuardarReferente", &T::GuardarReferente, {"pfx", "ref"},
+              "Saves a client (1) or carrier (2): inserts a new one, updates one that was loaded.")
+      .Method(13, "EliminarReferente", &T::EliminarReferente, {"pfx", "cod"},
+              "Deletes the client (1) or carrier (2) of that code.")
+      .Method(14, "ListaReferentes", &T::ListaReferentes, {"pfx", Optional("ord")},
+              "All clients (1) or carriers (2), by name when ord is 1, else by code: rows of code, "
+              "name and tax identifier, or Empty.")
+      .Method(15, "ListaDestinoVenta", &T::ListaDestinoVenta,
+              "The destinations of sales typed so far, each once, or Empty.")
+      .Method(16, "hayLecturaNivel", &T::HayLecturaNivel, {"dep"},
+              "Whether the level sensor of a tank has given a reading.")
+      .Method(17, "LecturaNivel", &T::LecturaNivel, {"dep"},
+              "The last reading of a tank's level sensor, Null without one.")
       .Property(18, "ObjetoActiveX", &T::ObjetoActiveX, &T::SetObjetoActiveX,
                 "Name of the automation object that reads the level sensors.")
-      .Property(19, "PuertoUDP", &T::PuertoUDP, &T::SetPuertoUDP, "UDP port of the sensor gateway.")
+      .Property(19, "PuertoUDP", &T::PuertoUDP, &T::SetPuertoUDP,
+                "The sensor gateway: a UDP port of this machine, or host:port.")
       .Property(20, "TimeOutUDP", &T::TimeOutUDP, &T::SetTimeOutUDP,
-                "How long an answer of the gateway is waited for.")
+                "Milliseconds that an answer of the gateway is waited for.")
       .Property(21, "IntervaloPolling", &T::IntervaloPolling, &T::SetIntervaloPolling,
-                "Interval between questions to a sensor.")
+                "Milliseconds of rest between two rounds of questions to the sensors.")
       .Property(22, "TiempoControlNivel", &T::TiempoControlNivel, &T::SetTiempoControlNivel,
                 "Time between checks of a level, for the host.")
       .Property(23, "MargenControlNivel", &T::MargenControlNivel, &T::SetMargenControlNivel,
                 "Margin of the check of a level, for the host.")
       .Method(24, "Trasegar", &T::Trasegar, {"org", "dno", Optional("qto")},
               "Moves a share of what lies in one hopper into another.")
+      .Method(
+          25, "HistoriaDescargas", &T::HistoriaDescargas,
+          {Optional("dde"), Optional("hta"), Optional("tva"), Optional("dto")},
+          "Discharges into tanks by time: rows of moment, number, hopper, tank and kilograms, or "
+          "Empty.")
+      .Method(26, "HistoriaNiveles", &T::HistoriaNiveles,
+              {Optional("dde"), Optional("hta"), Optional("dto")},
+              "Level readings by time: rows of moment, number, tank and litres, or Empty.")
+      .Method(27, "HistoriaVaciados", &T::HistoriaVaciados,
+              {Optional("dde"), Optional("hta"), Optional("dto")},
+              "Emptyings by time: rows of moment, number, tank, litres, destination and sale, or "
+              "Empty.")
+      .Method(28, "IniciarCampaña", &T::IniciarCampana,
+              "Starts a season: deletes discharges, emptyings and readings.")
+      .Take();
+}
+
+Class ReferenteTable() {
+  using T = Referente;
+  return ClassTable<T>("A client or carrier, as a record in memory.")
+      .Creatable()
+      .Property(1, "Codigo", &T::Codigo, &T::SetCodigo, "The code.")
+      .Property(2, "Nombre", &T::Nombre, &T::SetNombre, "The name.")
+      .Property(3, "NIF", &T::NIF, &T::SetNIF, "The tax identifier.")
+      .Property(4, "Info", &T::Info, &T::SetInfo, "ix", "Line 1, 2 or 3 of free information.")
+      .Get(5, "esNuevo", &T::EsNuevo, "Whether it was not loaded from the database.")
+      .Get(6, "datosValidos", &T::DatosValidos,
+           "Whether it may be saved: a code above 0, and a name.")
       .Take();
 }
 
@@ -192,10 +243,25 @@ Class VaciadoTable() {
 }  // namespace
 
 const std::vector<Class>& Model() {
-  static const std::vector<Class> model = {TrazabilidadTable(), TolvaTable(),    DescargaTable(),
-                                           TvaInterTable(),     DepositoTable(), NivelTable(),
-                                           VaciadoTable()};
+  static const std::vector<Class> model = {TrazabilidadTable(), ReferenteTable(), TolvaTable(),
+                                           DescargaTable(),     TvaInterTable(),  DepositoTable(),
+                                           NivelTable(),        VaciadoTable()};
   return model;
+}
+
+const std::vector<Enumeration>& Enumerations() {
+  const auto value = [](const char* name, tpHayLectura number, const char* help) {
+    return Enumeration::Value{name, static_cast<int32_t>(number), help};
+  };
+  using H = tpHayLectura;
+  static const std::vector<Enumeration> enumerations = {
+      {"tpHayLectura",
+       "Whether a tank has a reading of its level sensor.",
+       {value("hNoHaySensor", H::hNoHaySensor, "The tank has no sensor, or none was asked yet."),
+        value("hNoHayLectura", H::hNoHayLectura, "Kept for hosts; the library never says it."),
+        value("hErrorLectura", H::hErrorLectura, "Its sensor gave no usable answer."),
+        value("hLecturaDisponible", H::hLecturaDisponible, "There is a reading.")}}};
+  return enumerations;
 }
 
 }  // namespace ambrelio::automation

@@ -3,8 +3,25 @@
 namespace ambrelio::automation {
 namespace {
 
-std::string TypeText(ValueType type, const char* object_class) {
-  return type == ValueType::kObject ? object_class : TypeName(type);
+std::string TypeText(const Argument& argument) {
+  return argument.object_class != nullptr ? argument.object_class : TypeName(argument.type);
+}
+
+std::string ResultText(const Member& member) {
+  if (member.result_class != nullptr) return member.result_class;
+  if (member.result_enumeration != nullptr) return member.result_enumeration;
+  return TypeName(member.result);
+}
+
+// The first `count` arguments in brackets; nothing without any.
+std::string ArgumentsText(const Member& member, size_t count) {
+  std::string text;
+  for (size_t i = 0; i < count; ++i) {
+    const Argument& argument = member.arguments[i];
+    const std::string declared = std::string(argument.name) + " As " + TypeText(argument);
+    text += (i == 0 ? "" : ", ") + (argument.optional ? "[" + declared + "]" : declared);
+  }
+  return text.empty() ? "" : "(" + text + ")";
 }
 
 const char* KindText(MemberKind kind) {
@@ -29,22 +46,12 @@ std::string InstancingText(const Class& described) {
 }  // namespace
 
 std::string DescribeMember(const Member& member) {
-  std::string text = member.name;
   if (member.kind == MemberKind::kLet) {
-    const Argument& value = member.arguments.front();
-    return text + " = " + TypeText(value.type, value.object_class);
+    return member.name + ArgumentsText(member, member.arguments.size() - 1) + " = " +
+           TypeText(member.arguments.back());
   }
-  if (!member.arguments.empty()) text += '(';
-  for (const Argument& argument : member.arguments) {
-    if (&argument != &member.arguments.front()) text += ", ";
-    if (argument.optional) text += '[';
-    text += std::string(argument.name) + " As " + TypeText(argument.type, argument.object_class);
-    if (argument.optional) text += ']';
-  }
-  if (!member.arguments.empty()) text += ')';
-  if (member.result != ValueType::kNone) {
-    text += " As " + TypeText(member.result, member.result_class);
-  }
+  std::string text = member.name + ArgumentsText(member, member.arguments.size());
+  if (member.result != ValueType::kNone) text += " As " + ResultText(member);
   return text;
 }
 
@@ -58,6 +65,14 @@ std::string DescribeModel() {
     for (const Member& member : described.members) {
       text += "| " + std::to_string(member.dispid) + " | `" + DescribeMember(member) + "` | " +
               KindText(member.kind) + " | " + member.help + " |\n";
+    }
+  }
+  for (const Enumeration& described : Enumerations()) {
+    text += std::string("\n### ") + described.name + "\n\n" + described.help + "\n\n";
+    text += "| Number | Name | Meaning |\n|---:|---|---|\n";
+    for (const Enumeration::Value& value : described.values) {
+      text +=
+          "| " + std::to_string(value.number) + " | `" + value.name + "` | " + value.help + " |\n";
     }
   }
   return text;

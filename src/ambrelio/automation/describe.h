@@ -7,10 +7,11 @@
 
 namespace ambrelio::automation {
 
-// As in Visual Basic: "Descargar(dto As Integer, mol As Integer, [qto As Double]) As Boolean".
+// As in Visual Basic: "Descargar(dto As Integer, mol As Integer, [qto As Double]) As Boolean",
+// "Info(ix As Integer) = String".
 std::string DescribeMember(const Member& member);
 
-// Every class and member in Markdown: a heading and a table for each class.
+// Every class with its members, and every enumeration, in Markdown: a heading and a table for each.
 std::string DescribeModel();
 
 }  // namespace ambrelio::automation

@@ -40,6 +40,7 @@ struct Argument {
   bool output;  // the member only writes it
 };
 
+// The let of a property takes the property's own arguments, and the value behind them.
 enum class MemberKind : uint8_t { kMethod, kGet, kLet };
 
 // The arguments of a call, in the member's order; nothing stands for one left out.
@@ -55,8 +56,9 @@ struct Member {
   int32_t dispid;  // shared by the get and the let of a property; never changes once published
   std::vector<Argument> arguments;
   ValueType result;
-  const char* result_class;  // of a kObject, else null
-  const char* help;          // one sentence
+  const char* result_class;        // of a kObject, else null
+  const char* result_enumeration;  // of a kLong that is one, else null
+  const char* help;                // one sentence
   Invoker invoke;
 };
 
@@ -69,6 +71,20 @@ struct Class {
 };
 
 const std::vector<Class>& Model();
+
+// Named values of a Long. Calls by name give and take the number.
+struct Enumeration {
+  struct Value {
+    const char* name;
+    int32_t number;
+    const char* help;  // one sentence
+  };
+  const char* name;
+  const char* help;  // one sentence
+  std::vector<Value> values;
+};
+
+const std::vector<Enumeration>& Enumerations();
 
 // The class or member of that name, without regard to case; null when there is none. A call finds
 // methods and the reading of properties, a let their setting.

@@ -36,6 +36,13 @@ void Session::CloseDatabase() {
   if (std::exchange(open_, false)) database_->Close();
 }
 
+EventLoop& Session::Events() {
+  if (!events_) events_ = std::make_shared<EventLoop>();
+  return *events_;
+}
+
+void Session::UseEvents(std::shared_ptr<EventLoop> events) { events_ = std::move(events); }
+
 OleDate Session::Now() const { return Clock::Current().Now(); }
 
 }  // namespace ambrelio

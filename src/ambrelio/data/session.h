@@ -1,12 +1,16 @@
 // The state that all objects of one client thread share: the database and whether it is open, the
-// engine, the counts of hoppers and tanks. Every object handed out holds a reference to its
-// thread's session and must not outlive the thread.
+// engine, the counts of hoppers and tanks, the sensor service and its events. Every object handed
+// out holds a reference to its thread's session and must not outlive the thread.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "ambrelio/dao/database.h"
+#include "ambrelio/data/sensor_service.h"
+#include "ambrelio/platform/automation_objects.h"
+#include "ambrelio/platform/event_loop.h"
 #include "ambrelio/value/ole_date.h"
 
 namespace ambrelio {
@@ -37,6 +41,17 @@ class Session {
   // The present moment, whole seconds.
   OleDate Now() const;
 
+  // The loop that the host runs between its calls, so that sensors are polled:
+  // Session::Current().Events().RunFor(Milliseconds(500)). Made on first use unless one was given
+  // before, which may be shared with others on the thread.
+  EventLoop& Events();
+  void UseEvents(std::shared_ptr<EventLoop> events);
+  // What other programs offer under a programmatic identifier.
+  ambrelio::AutomationObjects& AutomationObjects() { return automation_objects_; }
+  // Null until settings have been loaded.
+  const std::shared_ptr<SensorService>& Sensors() const { return sensors_; }
+  void SetSensors(std::shared_ptr<SensorService> sensors) { sensors_ = std::move(sensors); }
+
   int16_t hopper_count = 0;
   int16_t intermediate_hopper_count = 0;
   int16_t tank_count = 1;
@@ -47,6 +62,9 @@ class Session {
   std::shared_ptr<dao::DBEngine> engine_;
   std::shared_ptr<dao::Database> database_;
   bool open_ = false;
+  std::shared_ptr<EventLoop> events_;
+  ambrelio::AutomationObjects automation_objects_;
+  std::shared_ptr<SensorService> sensors_;  // goes before the loop that drives it
 };
 
 }  // namespace ambrelio
