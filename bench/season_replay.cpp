@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <iostream>
 #include <regex>
 
 #include "ambrelio/engine/embedded/sql/lexer.h"
@@ -50,9 +51,11 @@ class FreshMill {
 double ReplayThroughTheLibrary(const std::vector<cli::JournalLine>& season,
                                const std::shared_ptr<dao::DBEngine>& engine) {
   const FreshMill fresh;
-  cli::Mill mill({fresh.folder.path()}, engine);
+  cli::Console console{std::cin, std::cout, std::cerr};
+  cli::Mill mill({fresh.folder.path()}, engine, console);
   const auto start = std::chrono::steady_clock::now();
-  for (const cli::JournalLine& line : season) cli::CarryOut(mill, line);
+  cli::JournalPlayer player(mill);
+  for (const cli::JournalLine& line : season) player.CarryOut(line);
   return Seconds(start);
 }
 
@@ -178,10 +181,12 @@ int main() {
   std::vector<double> expected;
   {
     const FreshMill fresh;
+    cli::Console console{std::cin, std::cout, std::cerr};
     cli::Mill mill({fresh.folder.path()},
-                   std::make_shared<test::ProbeEngine>(engine::Create(), probe));
+                   std::make_shared<test::ProbeEngine>(engine::Create(), probe), console);
     probe->events.clear();
-    for (const cli::JournalLine& line : season) cli::CarryOut(mill, line);
+    cli::JournalPlayer player(mill);
+    for (const cli::JournalLine& line : season) player.CarryOut(line);
     const std::vector<std::string> sent = probe->events;
     for (const std::string& sum : kSums) {
       expected.push_back(ToDouble(mill.session().Database().OpenRecordset(sum)->Value(0)));

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ambrelio/value/ascii.h"
+#include "failure.h"
 #include "json_value.h"
 
 namespace ambrelio::cli {
@@ -16,13 +17,6 @@ using automation::Arguments;
 using automation::ValueType;
 
 bool TakesDates(ValueType type) { return type == ValueType::kDate || type == ValueType::kVariant; }
-
-std::optional<OleDate> ParseMoment(std::string_view text) {
-  std::string iso(text);
-  if (iso.size() == 10) iso += " 00:00:00";
-  if (iso.size() == 19 && iso[10] == 'T') iso[10] = ' ';
-  return OleDate::FromIso(iso);
-}
 
 std::optional<Variant> ParsePlainNumber(std::string_view text) {
   const char* const end = text.data() + text.size();
@@ -38,6 +32,17 @@ std::optional<Variant> ParsePlainNumber(std::string_view text) {
 
 }  // namespace
 
+automation::Path ReadPath(std::string_view text) {
+  try {
+    automation::Path path = automation::ParsePath(text);
+    std::string& member = path.front().name;
+    if (automation::SameName(member, "IniciarCampana")) member = "IniciarCampaña";
+    return path;
+  } catch (const automation::PathError& error) {
+    throw Failure(ExitCode::kWrongInput, error.what());
+  }
+}
+
 Arguments PrepareArguments(const automation::Member& member, Arguments arguments) {
   for (size_t i = 0; i < member.arguments.size(); ++i) {
     const Argument& declared = member.arguments[i];
@@ -52,6 +57,13 @@ Arguments PrepareArguments(const automation::Member& member, Arguments arguments
     }
   }
   return arguments;
+}
+
+std::optional<OleDate> ParseMoment(std::string_view text) {
+  std::string iso(text);
+  if (iso.size() == 10) iso += " 00:00:00";
+  if (iso.size() == 19 && iso[10] == 'T') iso[10] = ' ';
+  return OleDate::FromIso(iso);
 }
 
 std::optional<Variant> ParseArgument(std::string_view text, ValueType wanted) {

@@ -5,6 +5,7 @@
 #include "call_report.h"
 #include "commands.h"
 #include "journal.h"
+#include "report.h"
 
 namespace ambrelio::cli {
 namespace {
@@ -22,22 +23,15 @@ Examples:
 Arguments are numbers with a point, text, dates (YYYY-MM-DD HH:MM:SS), - for one
 that is left out, and lists or quoted text in JSON. They may also stand in the
 path: "Tolva(2).Descargar(3, 1, 0.6)". Write -- before text that starts with -.
+With --json the result is the line that journal gives for the call.
 )help";
 
 struct CallOptions {
   MillOptions mill;
   std::string path;
   std::vector<std::string> arguments;
-  bool json = false;
+  OutputForm form = OutputForm::kTable;
 };
-
-automation::Path ParseCallPath(const std::string& text) {
-  try {
-    return automation::ParsePath(text);
-  } catch (const automation::PathError& error) {
-    throw Failure(ExitCode::kWrongInput, error.what());
-  }
-}
 
 automation::Arguments ParseArguments(const automation::Member& member,
                                      const std::vector<std::string>& texts) {
@@ -55,19 +49,28 @@ std::string CallText(Mill& mill, const automation::Path& path, const CallOptions
   const auto& member = automation::MemberOf(*owner, path.back().name, automation::Access::kCall);
   const CallLine call = MakeCall(path, ParseArguments(member, options.arguments));
   const auto result = automation::Call(*owner, member, PrepareArguments(member, call.arguments));
-  if (options.json) return JsonLine(CallJson(result)) + '\n';
-  return CallReport(owner->ClassName(), member, result);
+  switch (options.form) {
+    case OutputForm::kTable:
+      return CallReport(owner->ClassName(), member, result);
+    case OutputForm::kJson:
+      return JsonLine(CallJson(result)) + '\n';
+    case OutputForm::kCsv:
+      return CallCsv(owner->ClassName(), member, result);
+  }
+  return {};
 }
 
 void RunCall(const CallOptions& options, Context& context) {
-  const automation::Path path = ParseCallPath(options.path);
+  const automation::Path path = ReadPath(options.path);
   TraceFile trace(context.trace_path);
   {
-    Mill mill(options.mill, trace.MakeEngine());
+    Mill mill(options.mill, trace.MakeEngine(), context.console);
     try {
       Write(context.console, CallText(mill, path, options));
     } catch (const AutomationError& error) {
-      if (options.json) Write(context.console, JsonLine(ErrorJson(error)) + '\n');
+      if (options.form == OutputForm::kJson) {
+        Write(context.console, JsonLine(ErrorJson(error)) + '\n');
+      }
       throw;
     }
   }
@@ -84,7 +87,7 @@ void AddCall(CLI::App& app, Context& context) {
   command->add_option("PATH", options->path, "The member, as Deposito(3).Nivel(4).Litros")
       ->required();
   command->add_option("ARG", options->arguments, "Its arguments");
-  command->add_flag("--json", options->json, "Print one line of JSON, as journal does");
+  AddOutputOptions(*command, options->form);
   command->callback([options, &context] { RunCall(*options, context); });
 }
 

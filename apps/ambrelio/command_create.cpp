@@ -136,8 +136,10 @@ void AddCreate(CLI::App& app, Context& context) {
   CLI::App* command = app.add_subcommand("create", kDescription);
   auto options = std::make_shared<CreateOptions>();
   AddMillOptions(*command, options->mill)->required();
-  command->add_option("--masters", options->masters,
-                      "Folder with socios.csv, productos.csv and municipios.csv to load");
+  command
+      ->add_option("--masters", options->masters,
+                   "Folder with socios.csv, productos.csv and municipios.csv to load")
+      ->type_name("DIR");
   command->callback([options, &context] { RunCreate(*options, context); });
 }
 

@@ -1,11 +1,8 @@
-#include <cerrno>
-#include <filesystem>
 #include <fstream>
 #include <memory>
-#include <system_error>
 
-#include "ambrelio/platform/file_path.h"
 #include "commands.h"
+#include "input_file.h"
 #include "journal.h"
 
 namespace ambrelio::cli {
@@ -22,10 +19,19 @@ A line is one of
   {"m":"2025-11-03 08:04:09","pesada":{"COOPERATIVA":1,"TOLVA":2,"PARCIALPESO":1840.0}}
   {"m":"2025-11-03 09:30:00","call":"Tolva(2).Descargar","args":[3,1,0.6]}
   {"m":"2025-11-03 09:31:00","let":"Deposito(3).Nombre","value":"Norte"}
+  {"m":"2025-11-03 09:31:30","wait":2500}
   {"m":"2025-11-03 09:32:00","sql":"select count(*) from PESADA"}
 "m" is the moment that the library's clock shows; without it the clock is the
 system's. In "args", null leaves an argument out, and text of the form
-YYYY-MM-DD HH:MM:SS is a date where one is wanted.
+YYYY-MM-DD HH:MM:SS is a date where one is wanted. "wait" lets so many
+milliseconds pass, in which the level sensors are polled.
+
+A call may keep what it gives under a name, until the end of the replay:
+  {"call":"NuevoReferente(1)","as":"r"}
+  {"let":"r.Nombre","value":"Aceites del Sur"}
+  {"let":"r.Info(2)","value":"mornings only"}
+  {"call":"GuardarReferente","args":[1,{"ref":"r"}]}
+Paths that begin with the name start there; {"ref":"r"} is the value itself.
 
 Each line gives one: {"result":...}, with "args":[...] when the member changed
 one, or {"error":3061,"description":"..."}. A select gives its rows, an action
@@ -42,26 +48,14 @@ struct JournalOptions {
   bool keep_going = false;
 };
 
-std::ifstream OpenJournal(const std::string& path) {
-  std::error_code ignored;
-  errno = 0;
-  std::ifstream file(FilePath(path), std::ios::binary);
-  if (std::filesystem::is_directory(FilePath(path), ignored)) errno = EISDIR;
-  if (!file || errno == EISDIR) {
-    throw Failure(ExitCode::kFileProblem, "the journal '" + path + "' cannot be read: " +
-                                              std::generic_category().message(errno));
-  }
-  return file;
-}
-
 void RunJournal(const JournalOptions& options, Context& context) {
   TraceFile trace(context.trace_path);
   const bool from_input = options.file == "-";
   std::ifstream file;
-  if (!from_input) file = OpenJournal(options.file);
+  if (!from_input) file = OpenInput("journal", options.file);
   int malformed = 0;
   {
-    Mill mill(options.mill, trace.MakeEngine());
+    Mill mill(options.mill, trace.MakeEngine(), context.console);
     const ReplayOptions replay{from_input ? "standard input" : options.file, options.keep_going,
                                /*flush_each=*/from_input};
     malformed = Replay(mill, from_input ? context.console.in : file, replay, context.console);

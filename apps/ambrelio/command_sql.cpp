@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "report.h"
 #include "statement.h"
 #include "table.h"
 
@@ -18,8 +19,9 @@ Examples:
   ambrelio sql oliva.mdb --password secreta "update SOCIO set NOMSOC='Ana' where CODSOC=7"
 
 A select, a union, or the name of a table or stored query gives its rows; an
-action query the number of rows it changed. The database is opened as it is,
-without bringing it up to the library's schema.
+action query the number of rows it changed. With --json that is the line that
+journal gives. The database is opened as it is, without bringing it up to the
+library's schema.
 )help";
 
 struct SqlOptions {
@@ -27,45 +29,18 @@ struct SqlOptions {
   std::string file;
   std::string statement;
   std::string password;
-  bool json = false;
-  bool csv = false;
+  OutputForm form = OutputForm::kTable;
 };
 
-// As RFC 4180: quoted when the text needs it, and "" for a text without characters, which is not
-// Null.
-std::string CsvField(const Variant& value) {
-  if (value.is_null() || value.is_empty()) return "";
-  const Table::Cell cell = CellOf(value);
-  std::string text = value.is_text() ? value.as<std::string>() : cell.text;
-  if (!text.empty() && text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) {
-    quoted += c;
-    if (c == '"') quoted += c;
-  }
-  return quoted + '"';
+std::string CsvText(const StatementResult& result) {
+  if (!result.has_rows) return CsvLine({"affected"}) + CsvLine({result.affected});
+  std::string text = CsvLine({result.columns.begin(), result.columns.end()});
+  for (const std::vector<Variant>& row : result.rows) text += CsvLine(row);
+  return text;
 }
 
-std::string CsvLine(const std::vector<Variant>& values) {
-  std::string line;
-  for (size_t i = 0; i < values.size(); ++i) line += (i > 0 ? "," : "") + CsvField(values[i]);
-  return line + "\r\n";
-}
-
-void WriteCsv(Console& console, const StatementResult& result) {
-  if (!result.has_rows) {
-    Write(console, CsvLine({"affected"}) + CsvLine({result.affected}));
-    return;
-  }
-  Write(console, CsvLine({result.columns.begin(), result.columns.end()}));
-  for (const std::vector<Variant>& row : result.rows) Write(console, CsvLine(row));
-}
-
-void WriteTable(Console& console, const StatementResult& result) {
-  if (!result.has_rows) {
-    Write(console, fmt::format("Filas afectadas: {}\n", result.affected));
-    return;
-  }
+std::string TableText(const StatementResult& result) {
+  if (!result.has_rows) return fmt::format("Filas afectadas: {}\n", result.affected);
   Table table(result.columns);
   for (const std::vector<Variant>& row : result.rows) {
     std::vector<Table::Cell> cells(row.size());
@@ -73,7 +48,12 @@ void WriteTable(Console& console, const StatementResult& result) {
                    [](const Variant& value) { return CellOf(value); });
     table.AddRow(std::move(cells));
   }
-  Write(console, table.Text());
+  return table.Text();
+}
+
+std::string Text(const StatementResult& result, OutputForm form) {
+  if (form == OutputForm::kJson) return JsonLine(StatementJson(result)) + '\n';
+  return form == OutputForm::kCsv ? CsvText(result) : TableText(result);
 }
 
 frame::DatabaseSettings WhichDatabase(Session& session, const SqlOptions& options) {
@@ -102,13 +82,7 @@ void RunSql(const SqlOptions& options, Context& context) {
   const auto database = OpenDatabase(session, WhichDatabase(session, options));
   const StatementResult result = RunStatement(*database, options.statement);
   database->Close();
-  if (options.json) {
-    Write(context.console, JsonLine(StatementJson(result)) + '\n');
-  } else if (options.csv) {
-    WriteCsv(context.console, result);
-  } else {
-    WriteTable(context.console, result);
-  }
+  Write(context.console, Text(result, options.form));
   Flush(context.console);
   trace.Close();
 }
@@ -122,10 +96,7 @@ void AddSql(CLI::App& app, Context& context) {
   command->add_option("FILE", options->file, "The database; not with --app");
   command->add_option("STATEMENT", options->statement, "The statement");
   command->add_option("--password", options->password, "Password of FILE");
-  auto* json =
-      command->add_flag("--json", options->json, "Print one line of JSON, as journal does");
-  command->add_flag("--csv", options->csv, "Print comma-separated values with a line of names")
-      ->excludes(json);
+  AddOutputOptions(*command, options->form);
   command->callback([options, &context] { RunSql(CheckArguments(*options), context); });
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <istream>
+#include <map>
+#include <memory>
 #include <string>
 
 #include "console.h"
@@ -11,10 +13,35 @@
 
 namespace ambrelio::cli {
 
-// {"result":...}, with "args":[...] when the member changed one of them, or {"error":...}: an error
-// of the library is a result.
-Json CarryOut(Mill& mill, const JournalLine& line);
-// What a call gave, in that form.
+// Carries out lines on a mill, which must outlive it. What a line keeps under a name lives as long
+// as it does.
+class JournalPlayer {
+ public:
+  explicit JournalPlayer(Mill& mill) : mill_(mill) {}
+
+  // {"result":...}, with "args":[...] when the member changed one of them, or {"error":...}: an
+  // error of the library is a result, and so is 424 (object required) for a name without a value.
+  Json CarryOut(const JournalLine& line);
+
+ private:
+  Json Act(const WeighingLine& weighing);
+  Json Act(const CallLine& call);
+  Json Act(const LetLine& let);
+  Json Act(const WaitLine& wait);
+  Json Act(const SqlLine& sql);
+
+  automation::CallResult Call(const CallLine& call) const;
+  const Variant& Kept(const std::string& name) const;
+  // The value with what is kept in the place of references.
+  Variant Resolve(const Variant& value) const;
+  // The object whose member the path's last step names.
+  std::shared_ptr<Object> Owner(const std::string& from, const automation::Path& path) const;
+
+  Mill& mill_;
+  std::map<std::string, Variant> kept_;  // by name in small letters
+};
+
+// What a call gave, as the result of its line.
 Json CallJson(const automation::CallResult& call);
 
 struct ReplayOptions {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <utility>
 
+#include "ambrelio/value/ascii.h"
+#include "arguments.h"
 #include "failure.h"
 #include "json_value.h"
 
@@ -14,17 +17,24 @@ namespace {
   throw Failure(ExitCode::kWrongInput, problem);
 }
 
-// An action's key, with the key that may stand beside it.
+// An action's key, with the keys that may stand beside it and the one that must.
 struct ActionKey {
   const char* name;
-  const char* companion;
-  bool companion_required;
+  std::array<const char*, 2> optional{};
+  const char* required = nullptr;
+
+  bool Takes(const std::string& key) const {
+    const auto is_key = [&key](const char* known) { return known != nullptr && key == known; };
+    return key == "m" || is_key(name) || is_key(required) ||
+           std::any_of(optional.begin(), optional.end(), is_key);
+  }
 };
 constexpr std::array kActions = {
-    ActionKey{"pesada", nullptr, false},
-    ActionKey{"call", "args", false},
-    ActionKey{"let", "value", true},
-    ActionKey{"sql", nullptr, false},
+    ActionKey{"pesada"},
+    ActionKey{"call", {"args", "as"}},
+    ActionKey{"let", {}, "value"},
+    ActionKey{"wait"},
+    ActionKey{"sql"},
 };
 
 const ActionKey& FindAction(const Json& line) {
@@ -36,18 +46,17 @@ const ActionKey& FindAction(const Json& line) {
     }
     found = &action;
   }
-  if (found == nullptr) Fail(R"(one of "pesada", "call", "let" and "sql" is needed)");
+  if (found == nullptr) Fail(R"(one of "pesada", "call", "let", "wait" and "sql" is needed)");
   return *found;
 }
 
 void CheckKeys(const Json& line, const ActionKey& action) {
   for (const auto& [key, value] : line.items()) {
-    const bool known = key == "m" || key == action.name ||
-                       (action.companion != nullptr && key == action.companion);
-    if (!known) Fail("the key \"" + key + "\" is unknown in a \"" + action.name + "\" line");
+    if (action.Takes(key)) continue;
+    Fail("the key \"" + key + "\" is unknown in a \"" + action.name + "\" line");
   }
-  if (action.companion_required && !line.contains(action.companion)) {
-    Fail(std::string("\"") + action.companion + "\" is missing");
+  if (action.required != nullptr && !line.contains(action.required)) {
+    Fail(std::string("\"") + action.required + "\" is missing");
   }
 }
 
@@ -65,12 +74,42 @@ std::optional<OleDate> MomentOf(const Json& line) {
   return moment;
 }
 
-automation::Path PathOf(const Json& line, const char* key) {
-  try {
-    return automation::ParsePath(TextOf(line, key));
-  } catch (const automation::PathError& error) {
-    Fail(error.what());
+Variant ValueOf(const Json& json) {
+  return ToVariant(json, [](const std::string& name) { return std::make_shared<Reference>(name); });
+}
+
+bool IsRootMember(const std::string& name) {
+  using automation::Access;
+  const automation::Class* root = automation::FindClass("Trazabilidad");
+  return automation::FindMember(*root, name, Access::kCall) != nullptr ||
+         automation::FindMember(*root, name, Access::kLet) != nullptr;
+}
+
+// Takes the name of a kept object off the front of a path; "" when it starts at the root.
+std::string TakeName(automation::Path& path) {
+  const automation::PathStep& first = path.front();
+  if (path.size() == 1 || first.has_arguments || IsRootMember(first.name)) return "";
+  std::string name = first.name;
+  path.erase(path.begin());
+  return name;
+}
+
+// A name that paths can begin with and that means nothing else there.
+std::string NameToKeep(const Json& line) {
+  if (!line.contains("as")) return "";
+  const std::string& name = TextOf(line, "as");
+  const auto is_letter = [](char c) {
+    return c == '_' || (AsciiLower(c) >= 'a' && AsciiLower(c) <= 'z') ||
+           static_cast<unsigned char>(c) >= 0x80;
+  };
+  const bool is_name =
+      !name.empty() && !IsDigit(name[0]) &&
+      std::all_of(name.begin(), name.end(), [&](char c) { return IsDigit(c) || is_letter(c); });
+  if (!is_name) Fail("\"as\" must be a name of letters, digits and _: \"" + name + "\"");
+  if (automation::SameName(name, "Trazabilidad") || IsRootMember(ReadPath(name).front().name)) {
+    Fail("\"as\" must not be a name of the object model: \"" + name + "\"");
   }
+  return name;
 }
 
 WeighingLine ParseWeighing(const Json& line) {
@@ -91,16 +130,27 @@ CallLine ParseCall(const Json& line) {
   if (line.contains("args")) {
     if (!line["args"].is_array()) Fail(R"("args" must be a list)");
     for (const Json& value : line["args"]) {
-      arguments.push_back(value.is_null() ? std::nullopt : std::optional(ToVariant(value)));
+      arguments.push_back(value.is_null() ? std::nullopt : std::optional(ValueOf(value)));
     }
   }
-  return MakeCall(PathOf(line, "call"), std::move(arguments));
+  CallLine call = MakeCall(ReadPath(TextOf(line, "call")), std::move(arguments));
+  call.from = TakeName(call.path);
+  call.as = NameToKeep(line);
+  return call;
 }
 
 LetLine ParseLet(const Json& line) {
-  LetLine let{PathOf(line, "let"), ToVariant(line.at("value"))};
-  if (let.path.back().has_arguments) Fail("a property that is set takes no arguments");
+  LetLine let{ReadPath(TextOf(line, "let")), ValueOf(line.at("value"))};
+  let.from = TakeName(let.path);
   return let;
+}
+
+WaitLine ParseWait(const Json& line) {
+  const Variant time = ToVariant(line.at("wait"));
+  if (time.type() != VariantType::kLong || time.as<int32_t>() < 0) {
+    Fail(R"("wait" must be whole milliseconds from 0 to 2147483647)");
+  }
+  return {time.as<int32_t>()};
 }
 
 }  // namespace
@@ -124,6 +174,7 @@ JournalLine ParseJournalLine(std::string_view text) {
   if (name == "pesada") parsed.action = ParseWeighing(line);
   if (name == "call") parsed.action = ParseCall(line);
   if (name == "let") parsed.action = ParseLet(line);
+  if (name == "wait") parsed.action = ParseWait(line);
   if (name == "sql") parsed.action = SqlLine{TextOf(line, "sql")};
   return parsed;
 }

@@ -4,14 +4,22 @@
 //   {"m":"...","pesada":{"COOPERATIVA":1,...}}          the host stores a weighing
 //   {"m":"...","call":"Tolva(2).Descargar","args":[3,1,0.6]}   a member is called; null: left out
 //   {"m":"...","let":"Deposito(3).Nombre","value":"..."}       a property is set
+//   {"m":"...","wait":2000}                             events are delivered for milliseconds
 //   {"m":"...","sql":"..."}                             the host's own statement
 //
-// Without "m" the clock is the system's.
+// Without "m" the clock is the system's. A call may keep what it gives under a name, for paths that
+// begin there and for values:
+//
+//   {"call":"NuevoReferente(1)","as":"r"}
+//   {"let":"r.Info(2)","value":"..."}
+//   {"call":"GuardarReferente","args":[1,{"ref":"r"}]}
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 #include "ambrelio/automation/path.h"
@@ -25,18 +33,35 @@ struct WeighingLine {
 struct CallLine {
   automation::Path path;
   automation::Arguments arguments;
+  std::string from{};  // the name of the kept object that the path starts at, "" for the root
+  std::string as{};    // the name to keep the result under, or ""
 };
 struct LetLine {
-  automation::Path path;
+  automation::Path path;  // an index stands in its last step
   Variant value;
+  std::string from{};
+};
+struct WaitLine {
+  int32_t milliseconds;
 };
 struct SqlLine {
   std::string statement;
 };
 
+// Stands among the values of a line for what is kept under a name.
+class Reference : public Object {
+ public:
+  explicit Reference(std::string name) : name_(std::move(name)) {}
+  const char* ClassName() const override { return "Reference"; }
+  const std::string& name() const { return name_; }
+
+ private:
+  std::string name_;
+};
+
 struct JournalLine {
   std::optional<OleDate> moment;
-  std::variant<WeighingLine, CallLine, LetLine, SqlLine> action;
+  std::variant<WeighingLine, CallLine, LetLine, WaitLine, SqlLine> action;
 };
 
 // Checks the whole line: JSON, keys, types, moment, path. Raises Failure (wrong input) naming what

@@ -50,13 +50,19 @@ Variant NumberToVariant(const Json& json) {
   return json.get<double>();
 }
 
-Variant ObjectToVariant(const Json& json) {
+bool IsReference(const Json& json) {
+  return json.size() == 1 && json.contains("ref") && json["ref"].is_string();
+}
+
+Variant ObjectToVariant(const Json& json, const ReferenceReader& references) {
   static const Json empty = {{"empty", true}};
   static const Json nothing = {{"nothing", true}};
   if (json == empty) return {};
   if (json == nothing) return Variant::Nothing();
-  Fail("the object " + JsonLine(json) +
-       R"( is no value; the only ones are {"empty":true} and {"nothing":true})");
+  if (references && IsReference(json)) return references(json["ref"].get<std::string>());
+  Fail("the object " + JsonLine(json) + " is no value; the only ones are " +
+       (references ? R"({"empty":true}, {"nothing":true} and {"ref":"name"})"
+                   : R"({"empty":true} and {"nothing":true})"));
 }
 
 }  // namespace
@@ -90,7 +96,7 @@ Json ToJson(const Variant& value) {
   return nullptr;
 }
 
-Variant ToVariant(const Json& json) {
+Variant ToVariant(const Json& json, const ReferenceReader& references) {
   switch (json.type()) {
     case Json::value_t::null:
       return Variant::Null();
@@ -99,10 +105,10 @@ Variant ToVariant(const Json& json) {
     case Json::value_t::string:
       return json.get<std::string>();
     case Json::value_t::object:
-      return ObjectToVariant(json);
+      return ObjectToVariant(json, references);
     case Json::value_t::array: {
       Variant::Array array;
-      for (const Json& element : json) array.push_back(ToVariant(element));
+      for (const Json& element : json) array.push_back(ToVariant(element, references));
       return array;
     }
     default:

@@ -5,8 +5,11 @@
 //   Empty, Nothing                {"empty":true}, {"nothing":true}
 //   list                          [...]
 //   object                        {"object":"Tolva"}, never read back
+//
+// {"ref":"name"}, only read, is a value kept under a name, where there are such.
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -21,9 +24,12 @@ using Json = nlohmann::ordered_json;
 
 Json ToJson(const Variant& value);
 
+// Gives what stands for a {"ref":"name"}.
+using ReferenceReader = std::function<Variant(const std::string& name)>;
+
 // Text stays text, also when it has the form of a date. Raises Failure (wrong input) for what no
-// value looks like.
-Variant ToVariant(const Json& json);
+// value looks like, which without `references` a {"ref":"name"} is too.
+Variant ToVariant(const Json& json, const ReferenceReader& references = nullptr);
 
 // Reads one JSON text whole. Raises Failure (wrong input) for malformed text, a key given twice and
 // nesting beyond reason.

@@ -11,8 +11,8 @@ int main(int argc, char** argv) {
 #endif
   std::ios::sync_with_stdio(false);
   std::cin.tie(nullptr);
-  ambrelio::cli::Console console{
-      std::cin, std::cout, std::cerr,
-      ambrelio::ErrorOutputIsTerminal() && !ambrelio::OutputIsTerminal()};
+  ambrelio::cli::Console console{std::cin, std::cout, std::cerr,
+                                 ambrelio::ErrorOutputIsTerminal() && !ambrelio::OutputIsTerminal(),
+                                 ambrelio::OutputIsTerminal()};
   return static_cast<int>(ambrelio::cli::Run({argv + 1, argv + argc}, console));
 }

@@ -1,5 +1,7 @@
 #include "mill.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -78,17 +80,19 @@ std::shared_ptr<dao::Database> OpenDatabase(Session& session,
   }
 }
 
-Mill::Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine) {
+Mill::Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine, Console& console,
+           SensorUse sensors) {
   session_.UseEngine(std::move(engine));
+  session_.UseEvents(console.events);
   const frame::DatabaseSettings settings = ReadSettings(session_, options);
   root_ = std::make_shared<Trazabilidad>(session_);
   try {
-    root_->Constructor(options.app, options.vardex3);
+    Open(options, console, sensors);
   } catch (const AutomationError& error) {
     // Of two that open a new database at the same moment, one finds that the other has just made
     // the stored query that it was about to make.
     if (error.number() != static_cast<int>(dao::DaoError::kObjectExists)) throw;
-    root_->Constructor(options.app, options.vardex3);
+    Open(options, console, sensors);
   }
   if (root_->BaseAbierta()) return;
   // The library keeps no reason. Opening once more gives the engine's; if that succeeds, whatever
@@ -96,6 +100,18 @@ Mill::Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine) {
   OpenDatabase(session_, settings)->Close();
   throw Failure(ExitCode::kFileProblem, "the database '" + settings.path +
                                             "' could not be opened; it can be now: try again");
+}
+
+void Mill::Open(const MillOptions& options, Console& console, SensorUse sensors) {
+  try {
+    root_->Constructor(options.app, options.vardex3);
+  } catch (const AutomationError& error) {
+    // The sensor service comes last, when all else is ready.
+    const bool ready = root_->BaseAbierta() && session_.Sensors() != nullptr;
+    if (!ready || sensors == SensorUse::kRequired) throw;
+    console.err << fmt::format("ambrelio: the sensors are not polled: error {}: {}\n",
+                               error.number(), error.description());
+  }
 }
 
 }  // namespace ambrelio::cli

@@ -1,6 +1,7 @@
 // The mill that a command works on: its engine, traced if wanted, and its database.
 #pragma once
 
+#include <cstdint>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -8,6 +9,7 @@
 #include "ambrelio/data/session.h"
 #include "ambrelio/frame/settings.h"
 #include "ambrelio/frame/trazabilidad.h"
+#include "console.h"
 
 namespace ambrelio::cli {
 
@@ -41,16 +43,24 @@ frame::DatabaseSettings ReadSettings(Session& session, const MillOptions& option
 std::shared_ptr<dao::Database> OpenDatabase(Session& session,
                                             const frame::DatabaseSettings& settings);
 
-// The library at work on a mill, from Constructor to Cerrar.
+// Whether a command is of use when the level sensors cannot be polled, as when another program
+// polls them already.
+enum class SensorUse : uint8_t { kOptional, kRequired };
+
+// The library at work on a mill, from Constructor to Cerrar. Its events are the console's.
 class Mill {
  public:
-  // Raises Failure, saying why, when the database does not open.
-  Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine);
+  // Raises Failure, saying why, when the database does not open. A sensor service that does not
+  // start is told on standard error; where it is required, its error is raised.
+  Mill(const MillOptions& options, std::shared_ptr<dao::DBEngine> engine, Console& console,
+       SensorUse sensors = SensorUse::kOptional);
 
   Session& session() { return session_; }
   const std::shared_ptr<Trazabilidad>& root() const { return root_; }
 
  private:
+  void Open(const MillOptions& options, Console& console, SensorUse sensors);
+
   Session session_;
   std::shared_ptr<Trazabilidad> root_;  // closes the database before the session goes
 };

@@ -18,6 +18,8 @@ Examples:
   ambrelio create --app mill --masters examples/campana
   ambrelio journal --app mill examples/campana/journal.jsonl > results.jsonl
   ambrelio call --app mill "Deposito(3).Composicion" 1
+  ambrelio deposito --app mill 3 --por socio
+  ambrelio historia vaciados --app mill --desde 2025-11-01 --csv
   ambrelio sql --app mill "select * from Depositos" --csv
   ambrelio --trace statements.jsonl call --app mill "Deposito(3).LitrosActual"
 )help";
@@ -41,25 +43,6 @@ class HelpFormatter : public CLI::Formatter {
     return line.str();
   }
 };
-
-void Declare(CLI::App& app, Context& context) {
-  app.set_version_flag("--version", "ambrelio " AMBRELIO_VERSION);
-  app.add_option("--trace", context.trace_path,
-                 "Write every statement sent to the engine to a file, one JSON object a line")
-      ->type_name("FILE");
-  app.allow_windows_style_options(false);
-  app.formatter(std::make_shared<HelpFormatter>());
-  app.footer(kFooter);
-  app.fallthrough();
-  // Not required of the parser, which would not name a command that it does not know.
-  app.callback([&app] {
-    if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
-  });
-  AddCreate(app, context);
-  AddJournal(app, context);
-  AddCall(app, context);
-  AddSql(app, context);
-}
 
 // For an argument that may be repeated, CLI11 takes [1,2] apart. A blank in front keeps the list of
 // a call whole and means nothing to JSON.
@@ -85,6 +68,35 @@ ExitCode TellParseError(const CLI::App& app, const CLI::ParseError& error, Conso
 
 }  // namespace
 
+void Declare(CLI::App& app, Context& context) {
+  app.description(kDescription);
+  app.set_version_flag("--version", "ambrelio " AMBRELIO_VERSION);
+  app.add_option("--trace", context.trace_path,
+                 "Write every statement sent to the engine to a file, one JSON object a line")
+      ->type_name("FILE");
+  app.allow_windows_style_options(false);
+  app.formatter(std::make_shared<HelpFormatter>());
+  app.footer(kFooter);
+  app.fallthrough();
+  // Not required of the parser, which would not name a command that it does not know.
+  app.callback([&app] {
+    if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
+  });
+  AddCreate(app, context);
+  AddJournal(app, context);
+  AddCall(app, context);
+  AddSql(app, context);
+  AddSensors(app, context);
+  AddGateway(app, context);
+  AddDeposito(app, context);
+  AddVaciado(app, context);
+  AddTolva(app, context);
+  AddDescarga(app, context);
+  AddHistoria(app, context);
+  AddReferentes(app, context);
+  AddPassword(app, context);
+}
+
 CLI::Option* AddMillOptions(CLI::App& command, MillOptions& options) {
   command.add_flag("--vardex3", options.vardex3,
                    "The host is the networked edition: settings come from its network folder");
@@ -94,7 +106,7 @@ CLI::Option* AddMillOptions(CLI::App& command, MillOptions& options) {
 
 ExitCode Run(std::vector<std::string> arguments, Console& console) {
   Context context{console};
-  CLI::App app(kDescription, "ambrelio");
+  CLI::App app("", "ambrelio");
   try {
     Declare(app, context);
     KeepListsWhole(arguments);

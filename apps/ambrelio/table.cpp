@@ -135,7 +135,11 @@ std::string Table::Text() const {
     widths.push_back(width);
     rule += (i > 0 ? "  " : "") + std::string(width, '-');
   }
-  std::string text = Line(headings, widths) + rule + '\n';
+  std::string text;
+  if (std::any_of(headings_.begin(), headings_.end(),
+                  [](const Cell& heading) { return !heading.text.empty(); })) {
+    text = Line(headings, widths) + rule + '\n';
+  }
   for (const std::vector<Cell>& row : rows_) text += Line(row, widths);
   return text;
 }

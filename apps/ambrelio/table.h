@@ -13,6 +13,7 @@ namespace ambrelio::cli {
 
 class Table {
  public:
+  // Where all headings are empty, none are printed.
   explicit Table(std::vector<std::string> headings);
 
   // A cell of numbers stands to the right; a column whose cells all do, with its heading.

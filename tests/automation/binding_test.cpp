@@ -14,6 +14,8 @@
 namespace ambrelio::automation {
 namespace {
 
+enum class Grade : int16_t { kLow = -1, kHigh = 7 };
+
 class Other : public Object {
  public:
   const char* ClassName() const override { return "Other"; }
@@ -51,6 +53,10 @@ class Sample : public Object {
   void Give(std::shared_ptr<Other>& out) { out = std::make_shared<Other>(); }
   const std::string& Text() const { return text; }
   void SetText(const std::string& value) { text = value; }
+  double Cell(int16_t i) const { return real + i; }
+  void SetCell(int16_t i, double value) { real = value - i; }
+  Grade High() const { return Grade::kHigh; }
+  Grade Low() const { return Grade::kLow; }
 
   int16_t integer = 0;
   int32_t number = 0;
@@ -69,6 +75,8 @@ template <>
 inline constexpr const char* kClassName<Sample> = "Sample";
 template <>
 inline constexpr const char* kClassName<Other> = "Other";
+template <>
+inline constexpr const char* kEnumerationName<Grade> = "Grade";
 
 namespace {
 
@@ -100,6 +108,9 @@ class Binding : public ::testing::Test {
                     .Method(7, "Twice", &Twice, {"by"}, "A function beside the class.")
                     .Get(8, "Text", &Sample::Text, "Text.")
                     .Let(8, "Text", &Sample::SetText, "Text.")
+                    .Property(9, "Cell", &Sample::Cell, &Sample::SetCell, "i", "A cell.")
+                    .Get(10, "High", &Sample::High, "A grade.")
+                    .Get(11, "Low", &Sample::Low, "A grade.")
                     .Take();
   Sample sample;
 };
@@ -224,6 +235,32 @@ TEST_F(Binding, BindsAFunctionBesideTheClass) {
 TEST_F(Binding, GetsAndLetsAProperty) {
   Call("Text", {Variant(int16_t{5})}, Access::kLet);
   EXPECT_EQ(Call("Text", {}).result, Variant("5"));
+}
+
+TEST_F(Binding, GetsAndLetsAPropertyWithAnIndex) {
+  Call("Cell", {Variant("3"), Variant(int16_t{10})}, Access::kLet);
+  EXPECT_EQ(sample.real, 7.0);
+  EXPECT_EQ(Call("Cell", {Variant(2.0)}).result, Variant(9.0));
+}
+
+TEST_F(Binding, TheValueOfALetStandsBehindItsIndex) {
+  const Member& let = *FindMember(table, "Cell", Access::kLet);
+  ASSERT_EQ(let.arguments.size(), 2U);
+  EXPECT_STREQ(let.arguments[0].name, "i");
+  EXPECT_EQ(let.arguments[0].type, ValueType::kInteger);
+  EXPECT_STREQ(let.arguments[1].name, "valor");
+  EXPECT_EQ(let.arguments[1].type, ValueType::kDouble);
+  EXPECT_EQ(let.dispid, FindMember(table, "Cell", Access::kCall)->dispid);
+}
+
+TEST_F(Binding, GivesAnEnumerationAsItsNumber) {
+  EXPECT_EQ(Call("High", {}).result, Variant(int32_t{7}));
+  EXPECT_EQ(Call("Low", {}).result, Variant(int32_t{-1}));
+  const Member& member = *FindMember(table, "High", Access::kCall);
+  EXPECT_EQ(member.result, ValueType::kLong);
+  EXPECT_STREQ(member.result_enumeration, "Grade");
+  EXPECT_EQ(member.result_class, nullptr);
+  EXPECT_EQ(FindMember(table, "Twice", Access::kCall)->result_enumeration, nullptr);
 }
 
 TEST(FreshVariable, IsTheZeroOfItsType) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
@@ -11,6 +12,7 @@
 #include "ambrelio/automation/call.h"
 #include "ambrelio/automation/describe.h"
 #include "ambrelio/hoppers/tolva.h"
+#include "ambrelio/referents/referente.h"
 #include "ambrelio/tanks/deposito.h"
 #include "support/mill.h"
 
@@ -32,14 +34,15 @@ std::vector<std::string> Order(const char* class_name) {
 TEST(Model, HasTheClassesInTheirOrder) {
   std::vector<std::string> names;
   for (const Class& c : Model()) names.emplace_back(c.name);
-  EXPECT_THAT(names, ElementsAre("Trazabilidad", "Tolva", "Descarga", "TvaInter", "Deposito",
-                                 "Nivel", "Vaciado"));
+  EXPECT_THAT(names, ElementsAre("Trazabilidad", "Referente", "Tolva", "Descarga", "TvaInter",
+                                 "Deposito", "Nivel", "Vaciado"));
 }
 
-TEST(Model, OnlyTheRootIsCreatableAndTheApplicationObject) {
+TEST(Model, OnlyTheRootAndReferentsAreCreatable) {
   for (const Class& c : Model()) {
     const bool root = std::string_view(c.name) == "Trazabilidad";
-    EXPECT_EQ(c.creatable, root) << c.name;
+    const bool referent = std::string_view(c.name) == "Referente";
+    EXPECT_EQ(c.creatable, root || referent) << c.name;
     EXPECT_EQ(c.application_object, root) << c.name;
   }
 }
@@ -50,8 +53,17 @@ TEST(Model, RootMembersKeepTheirNumbers) {
       Order("Trazabilidad"),
       ElementsAre("1 Constructor", "2 BaseAbierta", "3 MaximoTolvas", "4 Cerrar",
                   "5 RecargaValores", "6 SalvarValores", "7 TvaInter", "8 Tolva", "9 Deposito",
-                  "18 ObjetoActiveX", "19 PuertoUDP", "20 TimeOutUDP", "21 IntervaloPolling",
-                  "22 TiempoControlNivel", "23 MargenControlNivel", "24 Trasegar"));
+                  "10 NuevoReferente", "11 UnReferente", "12 GuardarReferente",
+                  "13 EliminarReferente", "14 ListaReferentes", "15 ListaDestinoVenta",
+                  "16 hayLecturaNivel", "17 LecturaNivel", "18 ObjetoActiveX", "19 PuertoUDP",
+                  "20 TimeOutUDP", "21 IntervaloPolling", "22 TiempoControlNivel",
+                  "23 MargenControlNivel", "24 Trasegar", "25 HistoriaDescargas",
+                  "26 HistoriaNiveles", "27 HistoriaVaciados", "28 IniciarCampaña"));
+}
+
+TEST(Model, ReferentMembersKeepTheirNumbers) {
+  EXPECT_THAT(Order("Referente"), ElementsAre("1 Codigo", "2 Nombre", "3 NIF", "4 Info",
+                                              "5 esNuevo", "6 datosValidos"));
 }
 
 TEST(Model, HopperMembersKeepTheirNumbers) {
@@ -90,16 +102,35 @@ std::vector<std::string> Signatures(const char* class_name) {
 TEST(Model, RootMembersKeepTheirSignatures) {
   EXPECT_THAT(
       Signatures("Trazabilidad"),
-      ElementsAre("Constructor(aPath As String, vardex3 As Boolean, [Info As Variant]) As Variant",
-                  "BaseAbierta As Boolean", "MaximoTolvas As Integer", "Cerrar", "RecargaValores",
-                  "SalvarValores", "TvaInter(tva As Integer) As TvaInter",
-                  "Tolva(tva As Integer) As Tolva", "Deposito(dto As Integer) As Deposito",
-                  "ObjetoActiveX As String", "ObjetoActiveX = String", "PuertoUDP As String",
-                  "PuertoUDP = String", "TimeOutUDP As Long", "TimeOutUDP = Long",
-                  "IntervaloPolling As Long", "IntervaloPolling = Long",
-                  "TiempoControlNivel As Long", "TiempoControlNivel = Long",
-                  "MargenControlNivel As Long", "MargenControlNivel = Long",
-                  "Trasegar(org As Integer, dno As Integer, [qto As Double]) As Boolean"));
+      ElementsAre(
+          "Constructor(aPath As String, vardex3 As Boolean, [Info As Variant]) As Variant",
+          "BaseAbierta As Boolean", "MaximoTolvas As Integer", "Cerrar", "RecargaValores",
+          "SalvarValores", "TvaInter(tva As Integer) As TvaInter", "Tolva(tva As Integer) As Tolva",
+          "Deposito(dto As Integer) As Deposito", "NuevoReferente(pfx As Integer) As Referente",
+          "UnReferente(pfx As Integer, cod As Long) As Referente",
+          "GuardarReferente(pfx As Integer, ref As Referente) As Boolean",
+          "EliminarReferente(pfx As Integer, cod As Long) As Boolean",
+          "ListaReferentes(pfx As Integer, [ord As Integer]) As Variant",
+          "ListaDestinoVenta As Variant", "hayLecturaNivel(dep As Integer) As tpHayLectura",
+          "LecturaNivel(dep As Integer) As Variant", "ObjetoActiveX As String",
+          "ObjetoActiveX = String", "PuertoUDP As String", "PuertoUDP = String",
+          "TimeOutUDP As Long", "TimeOutUDP = Long", "IntervaloPolling As Long",
+          "IntervaloPolling = Long", "TiempoControlNivel As Long", "TiempoControlNivel = Long",
+          "MargenControlNivel As Long", "MargenControlNivel = Long",
+          "Trasegar(org As Integer, dno As Integer, [qto As Double]) As Boolean",
+          "HistoriaDescargas([dde As Variant], [hta As Variant], [tva As Integer], [dto As "
+          "Integer]) As Variant",
+          "HistoriaNiveles([dde As Variant], [hta As Variant], [dto As Integer]) As Variant",
+          "HistoriaVaciados([dde As Variant], [hta As Variant], [dto As Integer]) As Variant",
+          "IniciarCampaña As Boolean"));
+}
+
+TEST(Model, ReferentMembersKeepTheirSignatures) {
+  EXPECT_THAT(
+      Signatures("Referente"),
+      ElementsAre("Codigo As Long", "Codigo = Long", "Nombre As String", "Nombre = String",
+                  "NIF As String", "NIF = String", "Info(ix As Integer) As String",
+                  "Info(ix As Integer) = String", "esNuevo As Boolean", "datosValidos As Boolean"));
 }
 
 TEST(Model, HopperMembersKeepTheirSignatures) {
@@ -179,6 +210,12 @@ TEST(Model, EveryHelpTextIsOneSentence) {
       EXPECT_TRUE(std::string_view(member.help).ends_with('.')) << c.name << "." << member.name;
     }
   }
+  for (const Enumeration& enumeration : Enumerations()) {
+    EXPECT_TRUE(std::string_view(enumeration.help).ends_with('.')) << enumeration.name;
+    for (const Enumeration::Value& value : enumeration.values) {
+      EXPECT_TRUE(std::string_view(value.help).ends_with('.')) << value.name;
+    }
+  }
 }
 
 TEST(Model, ObjectsAreOfClassesOfTheModel) {
@@ -190,6 +227,33 @@ TEST(Model, ObjectsAreOfClassesOfTheModel) {
       }
     }
   }
+}
+
+TEST(Model, EnumerationsAreOfTheModelAndLongs) {
+  for (const Class& c : Model()) {
+    for (const Member& member : c.members) {
+      if (member.result_enumeration == nullptr) continue;
+      EXPECT_EQ(member.result, ValueType::kLong) << c.name << "." << member.name;
+      EXPECT_TRUE(std::any_of(Enumerations().begin(), Enumerations().end(),
+                              [&member](const Enumeration& known) {
+                                return std::string_view(known.name) == member.result_enumeration;
+                              }))
+          << c.name << "." << member.name;
+    }
+  }
+}
+
+TEST(Model, ValuesOfEnumerationsKeepTheirNumbers) {
+  std::vector<std::string> values;
+  for (const Enumeration& enumeration : Enumerations()) {
+    for (const Enumeration::Value& value : enumeration.values) {
+      values.push_back(std::string(enumeration.name) + " " + std::to_string(value.number) + " " +
+                       value.name);
+    }
+  }
+  EXPECT_THAT(values,
+              ElementsAre("tpHayLectura 0 hNoHaySensor", "tpHayLectura 1 hNoHayLectura",
+                          "tpHayLectura 2 hErrorLectura", "tpHayLectura 3 hLecturaDisponible"));
 }
 
 TEST(Model, OptionalArgumentsStandLast) {
@@ -208,6 +272,9 @@ TEST(FindMember, IgnoresCase) {
   const Class& tank = *FindClass("DEPOSITO");
   EXPECT_STREQ(FindMember(tank, "nuevovaciado", Access::kCall)->name, "NuevoVaciado");
   EXPECT_STREQ(FindMember(*FindClass("vaciado"), "FIJARUSO", Access::kCall)->name, "fijarUso");
+  const Class& root = *FindClass("trazabilidad");
+  EXPECT_STREQ(FindMember(root, "INICIARCAMPAÑA", Access::kCall)->name, "IniciarCampaña");
+  EXPECT_EQ(FindMember(root, "IniciarCampana", Access::kCall), nullptr);
 }
 
 TEST(FindMember, TellsSettingFromReading) {
@@ -237,6 +304,10 @@ TEST(DescribeMember, ReadsLikeVisualBasic) {
   EXPECT_EQ(describe("Trazabilidad", "Cerrar", Access::kCall), "Cerrar");
   EXPECT_EQ(describe("Deposito", "UltimoMovimiento", Access::kCall),
             "UltimoMovimiento(hay As Variant, niv As Variant, mmto As Date) As Integer");
+  EXPECT_EQ(describe("Referente", "Info", Access::kCall), "Info(ix As Integer) As String");
+  EXPECT_EQ(describe("Referente", "Info", Access::kLet), "Info(ix As Integer) = String");
+  EXPECT_EQ(describe("Trazabilidad", "hayLecturaNivel", Access::kCall),
+            "hayLecturaNivel(dep As Integer) As tpHayLectura");
 }
 
 TEST(DescribeModel, NamesEveryMember) {
@@ -250,7 +321,83 @@ TEST(DescribeModel, NamesEveryMember) {
   }
 }
 
+TEST(DescribeModel, NamesEveryValueOfAnEnumeration) {
+  const std::string text = DescribeModel();
+  EXPECT_THAT(text, testing::HasSubstr("\n### tpHayLectura\n"));
+  EXPECT_THAT(text, testing::HasSubstr("| 3 | `hLecturaDisponible` | There is a reading. |\n"));
+}
+
 class ModelOfAMill : public test::MillTest {};
+
+TEST_F(ModelOfAMill, AReferentIsFilledSavedAndFoundByName) {
+  const auto call = [](Object& object, const char* member, Arguments arguments) {
+    return Call(object, member, Access::kCall, std::move(arguments)).result;
+  };
+  const auto let = [](Object& object, const char* member, Arguments arguments) {
+    Call(object, member, Access::kLet, std::move(arguments));
+  };
+  const Variant client = call(root, "NuevoReferente", {Variant(1.0)});
+  Object& record = *client.object();
+  EXPECT_STREQ(record.ClassName(), "Referente");
+  EXPECT_EQ(call(record, "datosValidos", {}), Variant(false));
+  let(record, "Nombre", {Variant("Mora")});
+  let(record, "Info", {Variant(2.0), Variant("dos")});
+  EXPECT_EQ(call(record, "info", {Variant("2")}), Variant("dos"));
+  EXPECT_EQ(call(record, "Info", {Variant(1.0)}), Variant(""));
+  EXPECT_EQ(call(record, "datosValidos", {}), Variant(true));
+  EXPECT_EQ(call(root, "GuardarReferente", {Variant(1.0), client}), Variant(true));
+  const Variant found = call(root, "UnReferente", {Variant(1.0), Variant(1.0)});
+  EXPECT_EQ(call(*found.object(), "Info", {Variant(3.0)}), Variant("dos"));
+  EXPECT_EQ(call(*found.object(), "esNuevo", {}), Variant(false));
+  EXPECT_EQ(call(root, "UnReferente", {Variant(2.0), Variant(1.0)}), Variant::Nothing());
+}
+
+TEST_F(ModelOfAMill, OnlyAReferentCanBeSavedAsOne) {
+  const Variant hopper(root.Tolva(1));
+  const auto save = [this](const Variant& referent) {
+    return ErrorOf([&] {
+      Call(root, "GuardarReferente", Access::kCall, {Variant(1.0), referent});
+    });
+  };
+  EXPECT_EQ(save(hopper), 13);
+  EXPECT_EQ(save(Variant("Mora")), 13);
+  EXPECT_EQ(save(Variant::Nothing()), 91);
+  EXPECT_EQ(save(Variant()), 91);
+}
+
+TEST_F(ModelOfAMill, AnIndexedPropertyNeedsItsIndexAndItsValue) {
+  const auto client = root.NuevoReferente(1);
+  EXPECT_EQ(ErrorOf([&] { Call(*client, "Info", Access::kCall, {}); }), 450);
+  EXPECT_EQ(ErrorOf([&] { Call(*client, "Info", Access::kLet, {Variant("dos")}); }), 450);
+  EXPECT_EQ(ErrorOf([&] {
+              Call(*client, "Info", Access::kLet, {std::nullopt, Variant("dos")});
+            }),
+            449);
+  EXPECT_EQ(ErrorOf([&] { Call(*client, "Info", Access::kCall, {Variant(40000.0)}); }), 6);
+}
+
+TEST_F(ModelOfAMill, WhetherThereIsAReadingIsALong) {
+  EXPECT_EQ(Call(root, "hayLecturaNivel", Access::kCall, {Variant(1.0)}).result,
+            Variant(int32_t{0}));
+  EXPECT_EQ(Call(root, "LecturaNivel", Access::kCall, {Variant(1.0)}).result, Variant::Null());
+  EXPECT_EQ(Call(root, "LecturaNivel", Access::kCall, {Variant(7.0)}).result, Variant());
+}
+
+TEST_F(ModelOfAMill, HistoriesMayBeAskedForAnything) {
+  Execute("insert into Niveles (Deposito, Item, Momento, Litros) values (2, 1, #3/10/2026#, 5)");
+  const auto count = [this](Arguments arguments) {
+    const Variant rows = Call(root, "HistoriaNiveles", Access::kCall, std::move(arguments)).result;
+    return rows.is_empty() ? size_t{0} : rows.array().size();
+  };
+  EXPECT_EQ(count({}), 1U);
+  EXPECT_EQ(count({std::nullopt, std::nullopt, Variant(2.0)}), 1U);
+  EXPECT_EQ(count({std::nullopt, std::nullopt, Variant(3.0)}), 0U);
+  EXPECT_EQ(count({Variant("3/11/2026")}), 0U);
+  EXPECT_EQ(Call(root, "HistoriaDescargas", Access::kCall, {}).result, Variant());
+  EXPECT_EQ(Call(root, "HistoriaVaciados", Access::kCall, {}).result, Variant());
+  EXPECT_EQ(Call(root, "iniciarcampaÑa", Access::kCall, {}).result, Variant(true));
+  EXPECT_EQ(count({}), 0U);
+}
 
 TEST_F(ModelOfAMill, EveryObjectCarriesTheNameOfItsClass) {
   Execute("insert into Descargas (Tolva, Descarga, Deposito, Fraccion) values (1, 1, 1, 1)");

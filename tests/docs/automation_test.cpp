@@ -114,6 +114,25 @@ TEST(AutomationDocument, HasAnExampleOfEveryMember) {
   }
 }
 
+TEST(AutomationDocument, HoldsEveryValueOfAnEnumeration) {
+  const Document& document = Automation();
+  for (const automation::Enumeration& enumeration : automation::Enumerations()) {
+    EXPECT_THAT(document.text, testing::Contains(testing::StartsWith(enumeration.help)));
+    std::vector<std::vector<std::string>> rows;
+    for (const TableRow& row : document.rows) {
+      if (row.heading == enumeration.name) rows.push_back(row.cells);
+    }
+    ASSERT_FALSE(rows.empty()) << enumeration.name;
+    rows.erase(rows.begin());  // the headings of the columns
+    std::vector<std::vector<std::string>> values;
+    for (const automation::Enumeration::Value& value : enumeration.values) {
+      values.push_back(
+          {std::to_string(value.number), std::string("`") + value.name + "`", value.help});
+    }
+    EXPECT_EQ(rows, values) << enumeration.name;
+  }
+}
+
 class AutomationExamples : public DocumentTest {};
 
 TEST_F(AutomationExamples, AnswerAsWritten) {

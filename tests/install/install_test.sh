@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs into an empty folder, then builds and runs a small program against what is there, once by
-# CMake's package configuration and once by pkg-config, beside the installed command line.
+# CMake's package configuration and once by pkg-config, beside the installed command line, of which
+# the manual page and the completion must be where man and bash look for them.
 #
 # usage: install_test.sh BUILD_FOLDER SOURCE_FOLDER
 set -euo pipefail
@@ -10,6 +11,8 @@ trap 'rm -rf "$work"' EXIT
 
 cmake --install "$build" --prefix "$work/prefix" >/dev/null
 export PATH=$work/prefix/bin:$PATH
+cmp "$work/prefix/share/man/man1/ambrelio.1" "$source/docs/ambrelio.1"
+cmp "$work/prefix/share/bash-completion/completions/ambrelio" "$source/completions/ambrelio.bash"
 
 mkdir "$work/mill"
 cp "$source"/examples/campana/*.INI "$source"/examples/campana/*.ini "$work/mill"

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "failure.h"
+
 namespace ambrelio::cli {
 namespace {
 
@@ -10,6 +12,29 @@ using automation::ValueType;
 
 const automation::Member& Member(const char* owner, const char* name) {
   return *automation::FindMember(*automation::FindClass(owner), name, automation::Access::kCall);
+}
+
+TEST(ReadPath, KnowsTheNewSeasonAlsoWithoutItsTilde) {
+  for (const char* text : {"IniciarCampaña", "INICIARCAMPAÑA", "IniciarCampana", "iniciarcampana",
+                           "Trazabilidad.IniciarCampana"}) {
+    const automation::Path path = ReadPath(text);
+    ASSERT_EQ(path.size(), 1U) << text;
+    EXPECT_TRUE(automation::SameName(path[0].name, "IniciarCampaña")) << text;
+  }
+}
+
+TEST(ReadPath, LeavesOtherNamesAlone) {
+  EXPECT_EQ(ReadPath("Deposito(3).IniciarCampana")[1].name, "IniciarCampana");
+}
+
+TEST(ReadPath, RefusesWhatIsNoPath) {
+  try {
+    ReadPath("Tolva(2");
+    FAIL() << "accepted";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.code(), ExitCode::kWrongInput);
+    EXPECT_STREQ(failure.what(), "at position 8 of the path: ')' is missing");
+  }
 }
 
 TEST(ParseArgument, LeavesOutADash) {

@@ -86,6 +86,34 @@ TEST_F(CallCommand, PrintsJson) {
             "{\"result\":true,\"args\":[3,1,1.0]}\n");
 }
 
+TEST_F(CallCommand, PrintsAListAsCsv) {
+  Season();
+  EXPECT_EQ(Out({"Tolva(1).Descarga(1).Composicion", "1", "--csv"}),
+            "clave,nombre,porcentaje,kilos\r\n7,Núñez,75,3000\r\n12,Ana,25,1000\r\n");
+  EXPECT_EQ(Out({"HistoriaNiveles", "--csv"}),
+            "momento,numero,tolva,deposito,kilos,litros,destino\r\n"
+            "2025-11-03 10:00:00,1,,3,,500,\r\n");
+  EXPECT_EQ(Out({"HistoriaVaciados", "--csv"}),
+            "momento,numero,tolva,deposito,kilos,litros,destino,lote,uso,cliente,nombre_cliente,"
+            "transportista,nombre_transportista,destino_venta\r\n");
+}
+
+TEST_F(CallCommand, PrintsAValueAsCsv) {
+  Season();
+  EXPECT_EQ(Out({"Deposito(3).LitrosActual", "--csv"}), "resultado\r\n500\r\n");
+  EXPECT_EQ(Out({"Deposito(1).LitrosActual", "--csv"}), "resultado\r\n\r\n");
+  EXPECT_EQ(Out({"Tolva(1).Descargar", "3", "1", "2.5", "--csv"}), "resultado,qto\r\nsí,1\r\n");
+  EXPECT_EQ(Out({"Cerrar", "--csv"}), "");
+}
+
+TEST_F(CallCommand, PrintsTheHistoriesOfTheMillAsTables) {
+  Season();
+  EXPECT_EQ(Out({"HistoriaNiveles"}),
+            "Momento              Número  Tolva    Depósito  Kilos    Litros  Destino\n"
+            "-------------------  ------  -------  --------  -------  ------  -------\n"
+            "2025-11-03 10:00:00       1  (vacío)         3  (vacío)  500.00  (vacío)\n");
+}
+
 TEST_F(CallCommand, TakesEveryKindOfArgument) {
   Season();
   EXPECT_EQ(Out({"Deposito(3).EntradaNivel", "2025-11-03T12:00:00", "-1", "480.5"}), "sí\n");

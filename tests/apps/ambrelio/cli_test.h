@@ -7,8 +7,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ambrelio/kestro/ini_file.h"
@@ -42,11 +44,13 @@ struct Outcome {
   std::vector<std::string> lines() const { return LinesOf(out); }
 };
 
-inline Outcome RunCli(std::vector<std::string> arguments, const std::string& input = "") {
+inline Outcome RunCli(std::vector<std::string> arguments, const std::string& input = "",
+                      std::shared_ptr<EventLoop> events = std::make_shared<EventLoop>()) {
   std::istringstream in(input);
   std::ostringstream out;
   std::ostringstream err;
   cli::Console console{in, out, err};
+  console.events = std::move(events);
   const int code = static_cast<int>(cli::Run(std::move(arguments), console));
   return {code, out.str(), err.str()};
 }
@@ -61,6 +65,10 @@ class CliTest : public ::testing::Test {
 
   void SetUpIni(const std::string& key, const std::string& value) {
     kestro::IniFile(app + "/Vardex.ini", "GENERAL").Write(key, value);
+  }
+
+  void SetSensors(const std::string& key, const std::string& value) {
+    kestro::IniFile(app + "/Vardex.ini", "SENSORES").Write(key, value);
   }
 
   void Create() {

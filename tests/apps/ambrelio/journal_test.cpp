@@ -1,3 +1,4 @@
+#include "ambrelio/value/automation_error.h"
 #include "cli_test.h"
 
 namespace ambrelio::cli {
@@ -147,6 +148,175 @@ TEST_F(JournalReplay, AnErrorIsAResultAndNotAStop) {
                           StartsWith(R"({"error":438,)"), StartsWith(R"({"error":13,)"),
                           StartsWith(R"({"error":450,)"), StartsWith(R"({"error":449,)"),
                           StartsWith(R"({"error":3078,)"), R"({"result":4})"));
+}
+
+TEST_F(JournalReplay, AKeptObjectIsWhereLaterPathsStart) {
+  const auto outcome = Journal(R"j({"call":"Deposito(3)","as":"d"}
+{"let":"d.Nombre","value":"Norte"}
+{"m":"2025-11-03 09:00:00","call":"Tolva(1).Descargar(3,1)"}
+{"call":"D.EntradaNivel","args":["2025-11-03 10:00:00",null,500]}
+{"call":"d.Nivel(1).Litros"}
+{"call":"d.Nombre"}
+)j");
+  EXPECT_THAT(outcome.lines(),
+              ElementsAre(R"({"result":{"object":"Deposito"}})", R"({"result":{"empty":true}})",
+                          R"({"result":true})", R"({"result":true})", R"({"result":500.0})",
+                          R"({"result":"Norte"})"));
+  EXPECT_EQ(Query("select Codigo, Nombre from Depositos"), R"({"result":[[3,"Norte"]]})");
+}
+
+TEST_F(JournalReplay, AKeptObjectIsTheSameEveryTime) {
+  const auto outcome = Journal(R"j({"call":"NuevoReferente(1)","as":"r"}
+{"let":"r.Nombre","value":"Aceites"}
+{"let":"r.Info(2)","value":"mornings"}
+{"let":"r.Info(9)","value":"nowhere"}
+{"call":"r.Info(2)"}
+{"call":"GuardarReferente","args":[1,{"ref":"r"}]}
+)j");
+  EXPECT_THAT(outcome.lines(),
+              ElementsAre(R"({"result":{"object":"Referente"}})", R"({"result":{"empty":true}})",
+                          R"({"result":{"empty":true}})", R"({"result":{"empty":true}})",
+                          R"({"result":"mornings"})", R"({"result":true})"));
+  EXPECT_EQ(Query("select Codigo, Nombre, Info1, Info2 from Clientes"),
+            R"({"result":[[1,"Aceites",null,"mornings"]]})");
+}
+
+TEST_F(JournalReplay, AKeptValueGoesWhereValuesGo) {
+  const auto outcome = Journal(R"j({"call":"MaximoTolvas","as":"n"}
+{"let":"Deposito(1).Nombre","value":{"ref":"n"}}
+{"let":"Deposito(1).Formula","value":[[{"ref":"N"},1],[200,{"ref":"n"}]]}
+{"call":"Deposito(1).Formula","as":"f"}
+{"let":"Deposito(2).Formula","value":{"ref":"f"}}
+{"call":"Deposito(2).Formula"}
+{"call":"Tolva","args":[{"ref":"n"}],"as":"n"}
+{"call":"n.DescargaEnCurso"}
+)j");
+  const std::string formula = R"({"result":[[4.0,1.0,0.0,0.0,0.0],[200.0,4.0,0.0,0.0,0.0]]})";
+  EXPECT_THAT(outcome.lines(),
+              ElementsAre(R"({"result":4})", R"({"result":{"empty":true}})",
+                          R"({"result":{"empty":true}})", formula, R"({"result":{"empty":true}})",
+                          formula, R"({"result":{"object":"Tolva"}})", R"({"result":1})"));
+  EXPECT_EQ(Query("select Nombre from Depositos"), R"({"result":[["4"]]})");
+}
+
+TEST_F(JournalReplay, AKeptMomentStaysADate) {
+  const auto outcome = Journal(R"j({"m":"2025-11-03 09:00:00","call":"Tolva(1).Descargar(3,1)"}
+{"m":"2025-11-03 10:00:00","call":"Tolva(2).DescargaEnCurso"}
+{"call":"Tolva(2).MomentoInicio","as":"t"}
+{"call":"Deposito(3).EntradaNivel","args":[{"ref":"t"},null,500]}
+{"call":"Deposito(3).Nivel(1).Momento"}
+)j");
+  const std::string moment = R"({"result":"2025-11-03 10:00:00"})";
+  EXPECT_THAT(outcome.lines(), ElementsAre(R"({"result":true})", R"({"result":1})", moment,
+                                           R"({"result":true})", moment));
+}
+
+TEST_F(JournalReplay, ANameThatKeepsNothingIsAnError) {
+  const auto outcome = Journal(R"j({"call":"r.Nombre"}
+{"let":"r.Nombre","value":1}
+{"let":"Deposito(1).Nombre","value":{"ref":"r"}}
+{"call":"Tolva","args":[[{"ref":"r"}]]}
+{"call":"r.Nombre","as":"r"}
+)j");
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_THAT(outcome.lines(),
+              testing::AllOf(testing::SizeIs(5),
+                             testing::Each(R"({"error":424,"description":"Object required: r"})")));
+}
+
+TEST_F(JournalReplay, OnlyAKeptObjectLeadsOn) {
+  const auto outcome = Journal(R"j({"call":"Tolva(99)","as":"t"}
+{"call":"t.Kilos"}
+{"call":"MaximoTolvas","as":"t"}
+{"call":"t.Kilos"}
+{"call":"t.Kilos.More"}
+)j");
+  EXPECT_THAT(outcome.lines(),
+              ElementsAre(R"({"result":{"nothing":true}})", StartsWith(R"({"error":91,)"),
+                          R"({"result":4})", StartsWith(R"({"error":424,)"),
+                          StartsWith(R"({"error":424,)")));
+}
+
+TEST_F(JournalReplay, ACallThatFailsForgetsWhatWasKept) {
+  const std::string keep = "{\"call\":\"Deposito(3)\",\"as\":\"d\"}\n";
+  const std::string use = "{\"let\":\"d.Nombre\",\"value\":\"Wrong\"}\n";
+  for (const char* failing :
+       {R"({"call":"Deposito","as":"d"})", R"j({"call":"Deposito(99).Vaciado(1)","as":"D"})j",
+        R"({"call":"Deposito","args":[{"ref":"x"}],"as":"d"})", R"({"call":"d.Nada","as":"d"})"}) {
+    const auto outcome = Journal(keep + failing + "\n" + use);
+    ASSERT_EQ(outcome.lines().size(), 3U);
+    EXPECT_THAT(outcome.lines()[1], StartsWith(R"({"error":)"));
+    EXPECT_THAT(outcome.lines()[2], StartsWith(R"({"error":424,)")) << failing;
+  }
+  EXPECT_EQ(Query("select * from Depositos"), R"({"result":[]})");
+}
+
+TEST_F(JournalReplay, NamesEndWithTheReplay) {
+  Journal(R"j({"call":"Deposito(3)","as":"d"})j");
+  EXPECT_THAT(Result(R"({"call":"d.Nombre"})"), StartsWith(R"({"error":424,)"));
+}
+
+TEST_F(JournalReplay, ALetWithTheWrongNumberOfIndicesIsAnError) {
+  const auto outcome = Journal(R"j({"call":"NuevoReferente(1)","as":"r"}
+{"let":"r.Info","value":"x"}
+{"let":"r.Info(1,2)","value":"x"}
+{"let":"r.Nombre(1)","value":"x"}
+{"let":"r.Info()","value":"x"}
+)j");
+  ASSERT_EQ(outcome.lines().size(), 5U);
+  for (size_t i = 1; i < 5; ++i) {
+    EXPECT_THAT(outcome.lines()[i], StartsWith(R"({"error":450,)")) << i;
+  }
+}
+
+TEST_F(JournalReplay, AWaitDeliversWhatIsDueWithinIt) {
+  ManualTicks ticks;
+  const auto events = std::make_shared<EventLoop>(ticks);
+  int delivered = 0;
+  events->StartTimer(Milliseconds(300), [&] { ++delivered; });
+  events->StartTimer(Milliseconds(301), [&] { ++delivered; });
+  const auto outcome =
+      test::RunCli({"journal", "--app", app, "-"}, "{\"wait\":0}\n{\"wait\":300}\n", events);
+  EXPECT_EQ(outcome.out, "{\"result\":{\"empty\":true}}\n{\"result\":{\"empty\":true}}\n");
+  EXPECT_EQ(delivered, 1);
+  EXPECT_EQ(ticks.Now(), Milliseconds(300));
+}
+
+TEST_F(JournalReplay, AnErrorOutOfTheEventsIsTheResultOfTheWait) {
+  ManualTicks ticks;
+  const auto events = std::make_shared<EventLoop>(ticks);
+  events->StartTimer(Milliseconds(1), [] { throw AutomationError(11001, "Test", "No host."); });
+  const auto outcome =
+      test::RunCli({"journal", "--app", app, "-"}, "{\"wait\":2}\n{\"wait\":2}\n", events);
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_THAT(outcome.lines(), ElementsAre(R"({"error":11001,"description":"No host."})",
+                                           R"({"result":{"empty":true}})"));
+}
+
+TEST_F(JournalReplay, ResultsAreWrittenBeforeTheWait) {
+  ManualTicks ticks;
+  std::istringstream in("{\"call\":\"MaximoTolvas\"}\n{\"wait\":5}\n");
+  std::ostringstream out;
+  std::ostringstream err;
+  Console console{in, out, err};
+  console.events = std::make_shared<EventLoop>(ticks);
+  std::string before;
+  console.events->StartTimer(Milliseconds(5), [&] { before = out.str(); });
+  EXPECT_EQ(cli::Run({"journal", "--app", app, "-"}, console), ExitCode::kSuccess);
+  EXPECT_EQ(before, "{\"result\":4}\n");
+}
+
+TEST_F(JournalReplay, StartsASeasonWithOrWithoutATilde) {
+  const auto outcome = Journal(R"({"call":"Tolva(1).DescargaEnCurso"}
+{"call":"IniciarCampaña"}
+{"call":"INICIARCAMPAÑA"}
+{"call":"IniciarCampana"}
+{"call":"Trazabilidad.iniciarcampana"}
+)");
+  EXPECT_THAT(outcome.lines(),
+              ElementsAre(R"({"result":1})", R"({"result":true})", R"({"result":true})",
+                          R"({"result":true})", R"({"result":true})"));
+  EXPECT_EQ(Query("select * from Descargas"), R"({"result":[]})");
 }
 
 TEST_F(JournalReplay, AMalformedLineStopsWithItsNumber) {

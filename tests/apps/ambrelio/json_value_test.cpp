@@ -82,6 +82,29 @@ TEST(ToVariant, RefusesOtherObjects) {
   EXPECT_THAT(ProblemOf(R"([{"object":"Tolva"}])"), HasSubstr(R"({"object":"Tolva"})"));
 }
 
+TEST(ToVariant, ReadsReferencesAtAnyDepthWhereThereAreSuch) {
+  const auto shout = [](const std::string& name) { return Variant(name + "!"); };
+  EXPECT_EQ(ToVariant(ParseJson(R"({"ref":"r"})"), shout), Variant("r!"));
+  EXPECT_EQ(ToVariant(ParseJson(R"([1,[{"ref":"r"}]])"), shout),
+            Variant(Variant::Array{Variant(int32_t{1}), Variant(Variant::Array{Variant("r!")})}));
+}
+
+TEST(ToVariant, RefusesReferencesElsewhere) {
+  EXPECT_THAT(ProblemOf(R"({"ref":"r"})"), HasSubstr("is no value"));
+}
+
+TEST(ToVariant, RefusesReferencesThatAreNone) {
+  const auto empty = [](const std::string&) { return Variant(); };
+  for (const char* json : {R"({"ref":1})", R"({"ref":"r","more":1})", R"({"rev":"r"})"}) {
+    try {
+      ToVariant(ParseJson(json), empty);
+      ADD_FAILURE() << json;
+    } catch (const Failure& failure) {
+      EXPECT_THAT(failure.what(), HasSubstr(R"(and {"ref":"name"})"));
+    }
+  }
+}
+
 TEST(ParseJson, RefusesWhatIsNoJson) {
   EXPECT_THAT(ProblemOf("{"), HasSubstr("not JSON: parse error"));
   EXPECT_THAT(ProblemOf(""), HasSubstr("not JSON"));

@@ -84,6 +84,18 @@ TEST_F(Program, ReplaysTheExampleSeasonWithoutAnError) {
   EXPECT_EQ(outcome.code, 0) << outcome.err;
   EXPECT_EQ(outcome.lines().size(), 6573U);
   EXPECT_THAT(outcome.out, testing::Not(HasSubstr("\"error\"")));
+
+  EXPECT_EQ(Shell("$AMBRELIO deposito --app $APP --csv").lines().size(), 13U);
+  EXPECT_EQ(Shell("$AMBRELIO deposito --app $APP 9 --por socio --csv").out,
+            Shell("$AMBRELIO call --app $APP 'Deposito(9).Composicion' 1 --csv").out);
+  EXPECT_EQ(Shell("$AMBRELIO historia niveles --app $APP --desde 2025-12-01 --hasta 2025-12-31 "
+                  "--deposito 9 --csv | tail -n +2")
+                .lines()
+                .size(),
+            std::stoul(Shell("$AMBRELIO sql --app $APP \"select count(*) from Niveles where "
+                             "Deposito=9 and Momento between #12/1/2025# and #1/1/2026#\" "
+                             "--csv | tail -n 1")
+                           .out));
 }
 
 }  // namespace

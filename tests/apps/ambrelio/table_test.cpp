@@ -35,6 +35,13 @@ TEST(Table, AHeadingStandsLeftWhenACellDoes) {
   EXPECT_EQ(table.Text(), "Valor\n------\n     5\n(nulo)\n");
 }
 
+TEST(Table, PrintsNoHeadingsWhenAllAreEmpty) {
+  Table table({"", ""});
+  table.AddRow({{"Paraje"}, {"Cañada"}});
+  table.AddRow({{"Kg"}, {"5"}});
+  EXPECT_EQ(table.Text(), "Paraje  Cañada\nKg      5\n");
+}
+
 TEST(CellOf, KeepsControlCharactersFromTheTerminal) {
   EXPECT_EQ(CellOf(Variant("a\nb\x1b[2Jc")).text, "a b [2Jc");
 }
