@@ -170,5 +170,19 @@ TEST_F(OpenSession, IsClosedEvenWhenTheClosingFails) {
   EXPECT_FALSE(session.IsOpen());
 }
 
+TEST(SessionEvents, AnotherLoopEndsTheSensorService) {
+  struct Service : SensorService {
+    void StartSensors(Mode, const Variant&, int32_t, int32_t) override {}
+    Mode mode() const override { return Mode::kNone; }
+    int16_t current_tank() const override { return 0; }
+    tpHayLectura hay(int16_t) const override { return tpHayLectura::hNoHaySensor; }
+    Variant Lectura(int16_t) const override { return {}; }
+  };
+  Session session;
+  session.SetSensors(std::make_shared<Service>());
+  session.UseEvents(std::make_shared<EventLoop>());
+  EXPECT_EQ(session.Sensors(), nullptr);
+}
+
 }  // namespace
 }  // namespace ambrelio

@@ -234,6 +234,21 @@ TEST_F(DatagramSocketTest, DeliversNothingOnceClosed) {
   EXPECT_THAT(received, IsEmpty());
 }
 
+// Systems give the numbers of closed sockets to new ones.
+TEST_F(DatagramSocketTest, IsForgottenByItsLoopOnceClosed) {
+  service.reset();
+  EventLoop other_loop(ticks);
+  const auto other = MakeUdpSocket(other_loop);
+  other->Bind({"127.0.0.1", 0}, [this](const std::string& bytes, const Endpoint&) {
+    received.push_back("other " + bytes);
+  });
+  gateway->Send({"127.0.0.1", other->LocalPort()}, "x");
+  loop.RunUntilIdle();
+  EXPECT_THAT(received, IsEmpty());
+  other_loop.RunUntilIdle();
+  EXPECT_THAT(received, ElementsAre("other x"));
+}
+
 TEST_F(DatagramSocketTest, ATakenPortRaises10048) {
   const std::string sentence =
       "10048 Address in use: UDP port " + std::to_string(service->LocalPort());
@@ -264,6 +279,7 @@ TEST_F(DatagramSocketTest, AFailedBindLeavesTheSocketClosed) {
             }),
             10048);
   EXPECT_EQ(service->LocalPort(), 0);
+  EXPECT_EQ(test::ErrorOf([&] { service->Send(before, "x"); }), 10038);
   EXPECT_EQ(ErrorOfBind(before), "none");
 }
 

@@ -207,6 +207,17 @@ TEST(EventLoop, RunForEndsAlthoughEventsGoOn) {
 
 // --- RunUntil
 
+TEST(EventLoop, RunUntilCountsAnEventThatTookLongerThanItsLimit) {
+  BusyTicks ticks;
+  EventLoop loop(ticks);
+  bool ticked = false;
+  loop.StartTimer(Milliseconds(0), [&] {
+    for (int i = 0; i < 100; ++i) ticks.Now();
+    ticked = true;
+  });
+  EXPECT_TRUE(loop.RunUntil([&ticked] { return ticked; }, Milliseconds(50)));
+}
+
 TEST_F(EventLoopTest, RunUntilDeliversNothingWhenItIsDoneAlready) {
   loop.StartTimer(Milliseconds(0), Log("due"));
   EXPECT_TRUE(loop.RunUntil([] { return true; }, Milliseconds(100)));

@@ -363,14 +363,21 @@ TEST_F(SensoresRemote, TheObjectMayReleaseTheServiceWhileItIsMade) {
   EXPECT_THAT(lector->calls, IsEmpty());
 }
 
-TEST_F(SensoresRemote, TheObjectMayStartTheServiceAnew) {
-  bool once = true;
-  lector->lectura = [&](int16_t) {
-    if (std::exchange(once, false)) StartUdp();
+TEST_F(SensoresRemote, TheObjectMayStartTheServiceAnewAndOutlivesItsCall) {
+  std::weak_ptr<Lector> first;
+  session.AutomationObjects().Register("Sondas.Lector", [&] {
+    auto made = std::make_shared<Lector>();
+    if (first.expired()) first = made;
+    return made;
+  });
+  StartRemote();
+  first.lock()->lectura = [this, &first](int16_t) {
+    StartRemote();
+    EXPECT_FALSE(first.expired());
     return 5.0;
   };
-  StartRemote();
   Run(2020);
+  EXPECT_TRUE(first.expired());
   EXPECT_EQ(Tank(1), "0 5");
 }
 

@@ -33,6 +33,11 @@ TEST_F(ParseNumberTest, ReadsPlainNumbers) {
 
 TEST_F(ParseNumberTest, SkipsOuterBlanks) { EXPECT_EQ(ParseNumber(" \t12 "), 12); }
 
+TEST_F(ParseNumberTest, SkipsOuterLineEnds) {
+  EXPECT_EQ(ParseNumber("12\r\n"), 12);
+  EXPECT_EQ(ParseNumber("\r\n12"), 12);
+}
+
 TEST_F(ParseNumberTest, TakesASignBeforeOrBehind) {
   EXPECT_EQ(ParseNumber("-12"), -12);
   EXPECT_EQ(ParseNumber("+12"), 12);
@@ -80,7 +85,7 @@ TEST_F(ParseNumberTest, ReadsHexadecimalAndOctal) {
 
 TEST_F(ParseNumberTest, RefusesOtherText) {
   for (const char* text :
-       {"", " ", "abc", "12abc", "1 2", "1.2.3", "-", ".", "nan", "inf", "0x10", "1/2", "12\n"}) {
+       {"", " ", "abc", "12abc", "1 2", "1.2.3", "-", ".", "nan", "inf", "0x10", "1/2", "1\n2"}) {
     EXPECT_FALSE(ParseNumber(text)) << text;
   }
 }

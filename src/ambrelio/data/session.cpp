@@ -41,7 +41,10 @@ EventLoop& Session::Events() {
   return *events_;
 }
 
-void Session::UseEvents(std::shared_ptr<EventLoop> events) { events_ = std::move(events); }
+void Session::UseEvents(std::shared_ptr<EventLoop> events) {
+  sensors_ = nullptr;  // its timer belongs to the loop before
+  events_ = std::move(events);
+}
 
 OleDate Session::Now() const { return Clock::Current().Now(); }
 

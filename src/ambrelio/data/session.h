@@ -43,7 +43,7 @@ class Session {
 
   // The loop that the host runs between its calls, so that sensors are polled:
   // Session::Current().Events().RunFor(Milliseconds(500)). Made on first use unless one was given
-  // before, which may be shared with others on the thread.
+  // before, which may be shared with others on the thread; giving one ends the sensor service.
   EventLoop& Events();
   void UseEvents(std::shared_ptr<EventLoop> events);
   // What other programs offer under a programmatic identifier.

@@ -9,6 +9,8 @@ namespace ambrelio {
 
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+// Blanks, and what ends a line or a page.
+constexpr bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 constexpr char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
 constexpr bool EqualsIgnoringAsciiCase(std::string_view a, std::string_view b) {
@@ -16,11 +18,16 @@ constexpr bool EqualsIgnoringAsciiCase(std::string_view a, std::string_view b) {
                     [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });
 }
 
-// Without blanks and tabs at both ends.
-constexpr std::string_view TrimBlanks(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+// Without characters of a kind at both ends.
+template <class IsOfKind>
+constexpr std::string_view Trim(std::string_view text, IsOfKind is_of_kind) {
+  while (!text.empty() && is_of_kind(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_of_kind(text.back())) text.remove_suffix(1);
   return text;
+}
+constexpr std::string_view TrimBlanks(std::string_view text) { return Trim(text, IsBlank); }
+constexpr std::string_view TrimWhiteSpace(std::string_view text) {
+  return Trim(text, IsWhiteSpace);
 }
 
 }  // namespace ambrelio

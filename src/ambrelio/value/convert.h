@@ -31,7 +31,7 @@ bool IsDate(const Variant& value);
 // Whether ToDouble accepts it: numbers, Booleans, Empty, and text that reads as a number.
 bool IsNumeric(const Variant& value);
 
-// Text that reads as a number by the locale (outer blanks, sign before or after, parentheses,
+// Text that reads as a number by the locale (outer white space, sign before or after, parentheses,
 // grouping signs, exponent, &H and &O); nothing when it does not.
 std::optional<double> ParseNumber(std::string_view text);
 // Text that reads as a date, a time or both by the locale; nothing when it does not.

@@ -55,7 +55,7 @@ std::optional<uint32_t> TakeRadixNumber(std::string_view& text) {
 // Takes the outer parentheses away that mean a negative number; whether they were there.
 bool TakeParentheses(std::string_view& text) {
   if (text.size() < 2 || text.front() != '(' || text.back() != ')') return false;
-  text = TrimBlanks(text.substr(1, text.size() - 2));
+  text = TrimWhiteSpace(text.substr(1, text.size() - 2));
   return true;
 }
 
@@ -63,7 +63,7 @@ bool TakeParentheses(std::string_view& text) {
 
 std::optional<double> ParseNumber(std::string_view text) {
   const Locale& locale = Locale::Current();
-  text = TrimBlanks(text);
+  text = TrimWhiteSpace(text);
   if (std::string_view rest = text; auto radix = TakeRadixNumber(rest)) {
     if (!rest.empty()) return std::nullopt;
     return *radix;
@@ -74,12 +74,12 @@ std::optional<double> ParseNumber(std::string_view text) {
     size_t before = text.size();
     negative = TakeSign(text);
     may_have_sign = text.size() == before;
-    text = TrimBlanks(text);
+    text = TrimWhiteSpace(text);
   }
   std::optional<Decimal> decimal =
       Decimal::Take(text, locale.decimal, std::string_view(&locale.thousands, 1));
   if (!decimal) return std::nullopt;
-  text = TrimBlanks(text);
+  text = TrimWhiteSpace(text);
   if (may_have_sign) negative = TakeSign(text);
   if (!text.empty()) return std::nullopt;
   decimal->negative = negative;
@@ -89,7 +89,7 @@ std::optional<double> ParseNumber(std::string_view text) {
 double LeadingNumber(std::string_view text) {
   std::string dense;
   for (char c : text) {
-    if (!IsBlank(c) && c != '\r' && c != '\n') dense += c;
+    if (!IsWhiteSpace(c)) dense += c;
   }
   std::string_view rest = dense;
   if (auto radix = TakeRadixNumber(rest)) {
