@@ -7,11 +7,11 @@
 namespace ambrelio::embedded {
 
 Connection::Connection(std::unique_ptr<Storage> storage, std::unique_ptr<CatalogueStore> catalogue,
-                       std::shared_ptr<Transactions> transactions)
+                       std::shared_ptr<Transactions> transactions, const PlanOptions& plan)
     : transactions_(std::move(transactions)),
       storage_(std::move(storage)),
       catalogue_(std::move(catalogue)),
-      executor_(std::make_unique<Executor>(*storage_, *catalogue_)) {
+      executor_(std::make_unique<Executor>(*storage_, *catalogue_, plan)) {
   transactions_->Join(*storage_);
 }
 

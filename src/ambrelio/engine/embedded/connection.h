@@ -13,9 +13,9 @@ namespace ambrelio::embedded {
 
 class Connection {
  public:
-  // The storage joins the levels that are open in the workspace.
+  // The storage joins the levels that are open in the workspace; queries are planned by `plan`.
   Connection(std::unique_ptr<Storage> storage, std::unique_ptr<CatalogueStore> catalogue,
-             std::shared_ptr<Transactions> transactions);
+             std::shared_ptr<Transactions> transactions, const PlanOptions& plan);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;

@@ -7,6 +7,8 @@ namespace {
 
 class EmbeddedEngine final : public dao::DBEngine {
  public:
+  explicit EmbeddedEngine(const PlanOptions& plan) : workspace_(plan) {}
+
   // The version of DAO whose behaviour clients find here.
   std::string Version() const override { return "3.6"; }
   dao::Workspace& DefaultWorkspace() override { return workspace_; }
@@ -17,6 +19,8 @@ class EmbeddedEngine final : public dao::DBEngine {
 
 }  // namespace
 
-std::shared_ptr<dao::DBEngine> CreateEngine() { return std::make_shared<EmbeddedEngine>(); }
+std::shared_ptr<dao::DBEngine> CreateEngine(const PlanOptions& plan) {
+  return std::make_shared<EmbeddedEngine>(plan);
+}
 
 }  // namespace ambrelio::embedded

@@ -4,10 +4,12 @@
 #include <memory>
 
 #include "ambrelio/dao/database.h"
+#include "ambrelio/engine/embedded/planner/planner.h"
 
 namespace ambrelio::embedded {
 
 // An engine with a default workspace of its own. Databases outlive it if they are still held.
-std::shared_ptr<dao::DBEngine> CreateEngine();
+std::shared_ptr<dao::DBEngine> CreateEngine(
+    const PlanOptions& plan = PlanOptions::FromEnvironment());
 
 }  // namespace ambrelio::embedded

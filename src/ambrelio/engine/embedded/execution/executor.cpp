@@ -66,9 +66,10 @@ class ReadTransaction {
 
 class Executor::Impl {
  public:
-  Impl(Storage& storage, CatalogueStore& catalogue)
+  Impl(Storage& storage, CatalogueStore& catalogue, const PlanOptions& plan)
       : storage_(storage),
         catalogue_(catalogue),
+        plan_(plan),
         begin_reading_(storage.raw(), "begin"),
         end_reading_(storage.raw(), "commit") {}
 
@@ -80,7 +81,7 @@ class Executor::Impl {
       const sql::Statement statement = sql::Parse(sql);
       defined = TryDefine(statement);
       if (defined) return Preparation{};
-      return PrepareWrite(statement, catalogue, storage_, shape.literals.size(), fail_on_error);
+      return PrepareWrite(statement, Ground(catalogue, shape), fail_on_error);
     };
     Lease lease = Get(shape, sql, fail_on_error ? Use::kStrictWrite : Use::kWrite, prepare);
     if (defined) return 0;
@@ -102,7 +103,7 @@ class Executor::Impl {
     const sql::Shape shape = sql::ShapeOf(sql);
     const bool as_snapshot = type == dao::RecordsetType::kSnapshot;
     const auto prepare = [&] {
-      return PrepareQuery(sql::Parse(sql), catalogue, storage_, shape.literals.size(), as_snapshot);
+      return PrepareQuery(sql::Parse(sql), Ground(catalogue, shape), as_snapshot);
     };
     Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
     BindLiterals(lease->main, shape.literals);
@@ -123,6 +124,10 @@ class Executor::Impl {
     const Catalogue& catalogue = catalogue_.Current();
     cache_->KeepVersion(catalogue_.version());
     return catalogue;
+  }
+
+  PreparationGround Ground(const Catalogue& catalogue, const sql::Shape& shape) const {
+    return {catalogue, storage_, plan_, shape.literals.size()};
   }
 
   // The statement for the text, from the cache or newly prepared.
@@ -180,13 +185,14 @@ class Executor::Impl {
 
   Storage& storage_;
   CatalogueStore& catalogue_;
+  const PlanOptions plan_;
   StorageStatement begin_reading_;
   StorageStatement end_reading_;
   std::shared_ptr<StatementCache> cache_ = std::make_shared<StatementCache>();
 };
 
-Executor::Executor(Storage& storage, CatalogueStore& catalogue)
-    : impl_(std::make_unique<Impl>(storage, catalogue)) {}
+Executor::Executor(Storage& storage, CatalogueStore& catalogue, const PlanOptions& plan)
+    : impl_(std::make_unique<Impl>(storage, catalogue, plan)) {}
 
 Executor::~Executor() = default;
 

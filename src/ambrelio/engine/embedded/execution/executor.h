@@ -7,6 +7,7 @@
 #include <string>
 
 #include "ambrelio/dao/database.h"
+#include "ambrelio/engine/embedded/planner/planner.h"
 #include "ambrelio/engine/embedded/storage/catalogue_store.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
 
@@ -17,7 +18,7 @@ using Liveness = std::shared_ptr<const bool>;
 
 class Executor {
  public:
-  Executor(Storage& storage, CatalogueStore& catalogue);
+  Executor(Storage& storage, CatalogueStore& catalogue, const PlanOptions& plan);
   ~Executor();
   Executor(const Executor&) = delete;
   Executor& operator=(const Executor&) = delete;

@@ -12,13 +12,14 @@ std::unique_ptr<Prepared> PrepareText(Storage& storage, const std::string& sql) 
   return std::make_unique<Prepared>(StorageStatement(storage.raw(), sql));
 }
 
-std::unique_ptr<Prepared> PrepareUpdate(const bound::Update& update, Storage& storage,
-                                        size_t literal_count, bool strict) {
+std::unique_ptr<Prepared> PrepareUpdate(const bound::Update& update,
+                                        const PreparationGround& ground, bool strict) {
+  Storage& storage = ground.storage;
   if (!GoesRowByRow(update)) return PrepareText(storage, TranslateUpdate(update, strict));
   const StepwiseUpdateSql sql =
-      TranslateStepwise(update, strict, static_cast<int>(literal_count) + 1);
+      TranslateStepwise(update, strict, static_cast<int>(ground.literal_count) + 1);
   auto prepared = PrepareText(storage, sql.rows);
-  prepared->row_parameter = static_cast<int>(literal_count) + 1;
+  prepared->row_parameter = static_cast<int>(ground.literal_count) + 1;
   prepared->stepwise.emplace(
       Prepared::Stepwise{StorageStatement(storage.raw(), sql.values), sql.source_count, {}});
   for (const StepwiseUpdateSql::Target& target : sql.targets) {
@@ -29,37 +30,39 @@ std::unique_ptr<Prepared> PrepareUpdate(const bound::Update& update, Storage& st
 }
 
 struct PrepareBound {
-  Storage& storage;
-  size_t literal_count;
+  const PreparationGround& ground;
   bool strict;
 
   std::unique_ptr<Prepared> operator()(const std::unique_ptr<bound::Query>& /*unused*/) const {
     dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
   }
   std::unique_ptr<Prepared> operator()(const bound::Insert& insert) const {
-    return PrepareText(storage, TranslateInsert(insert, strict));
+    return PrepareText(ground.storage, TranslateInsert(insert, strict));
   }
   std::unique_ptr<Prepared> operator()(const bound::Update& update) const {
-    return PrepareUpdate(update, storage, literal_count, strict);
+    return PrepareUpdate(update, ground, strict);
   }
   std::unique_ptr<Prepared> operator()(const bound::Delete& statement) const {
-    return PrepareText(storage, TranslateDelete(statement));
+    return PrepareText(ground.storage, TranslateDelete(statement));
   }
 };
 
 }  // namespace
 
-Preparation PrepareQuery(const sql::Statement& statement, const Catalogue& catalogue,
-                         Storage& storage, size_t literal_count, bool as_snapshot) {
+Preparation PrepareQuery(const sql::Statement& statement, const PreparationGround& ground,
+                         bool as_snapshot) {
+  Storage& storage = ground.storage;
   if (!std::holds_alternative<sql::Query>(statement)) {
     dao::Raise(dao::DaoError::kInvalidOperation, "DAO.Database");
   }
-  BoundStatement bound = Bind(statement, catalogue);
-  const auto& query = *std::get<std::unique_ptr<bound::Query>>(bound.statement);
+  BoundStatement bound = Bind(statement, ground.catalogue);
+  auto& query = *std::get<std::unique_ptr<bound::Query>>(bound.statement);
   Preparation result;
   result.by_text = bound.literals_matter;
-  if (!as_snapshot && IsDynaset(query)) {
-    const int row_parameter = static_cast<int>(literal_count) + 1;
+  const bool is_dynaset = !as_snapshot && IsDynaset(query);
+  Plan(query, ground.plan);
+  if (is_dynaset) {
+    const int row_parameter = static_cast<int>(ground.literal_count) + 1;
     const DynasetSql sql = TranslateDynaset(query, row_parameter);
     result.prepared = PrepareText(storage, sql.rows);
     result.prepared->row.emplace(storage.raw(), sql.row);
@@ -71,15 +74,16 @@ Preparation PrepareQuery(const sql::Statement& statement, const Catalogue& catal
   return result;
 }
 
-Preparation PrepareWrite(const sql::Statement& statement, const Catalogue& catalogue,
-                         Storage& storage, size_t literal_count, bool strict) {
+Preparation PrepareWrite(const sql::Statement& statement, const PreparationGround& ground,
+                         bool strict) {
   if (std::holds_alternative<sql::Query>(statement)) {
     dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
   }
-  BoundStatement bound = Bind(statement, catalogue);
+  BoundStatement bound = Bind(statement, ground.catalogue);
+  Plan(bound.statement, ground.plan);
   Preparation result;
   result.by_text = bound.literals_matter;
-  result.prepared = std::visit(PrepareBound{storage, literal_count, strict}, bound.statement);
+  result.prepared = std::visit(PrepareBound{ground, strict}, bound.statement);
   return result;
 }
 

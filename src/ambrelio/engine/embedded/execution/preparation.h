@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "ambrelio/engine/embedded/execution/statement_cache.h"
+#include "ambrelio/engine/embedded/planner/planner.h"
 #include "ambrelio/engine/embedded/sql/ast.h"
 #include "ambrelio/engine/embedded/storage/catalogue.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
@@ -17,13 +18,21 @@ struct Preparation {
   bool by_text = false;
 };
 
-// A select or union; 3219 for anything else. `literal_count` is how many parameters the literals
-// take. Unless `as_snapshot`, a select over one table becomes a dynaset.
-Preparation PrepareQuery(const sql::Statement& statement, const Catalogue& catalogue,
-                         Storage& storage, size_t literal_count, bool as_snapshot);
+// What a statement is prepared on.
+struct PreparationGround {
+  const Catalogue& catalogue;
+  Storage& storage;
+  const PlanOptions& plan;
+  size_t literal_count;  // parameters that the literals take
+};
+
+// A select or union; 3219 for anything else. Unless `as_snapshot`, a select over one table becomes
+// a dynaset.
+Preparation PrepareQuery(const sql::Statement& statement, const PreparationGround& ground,
+                         bool as_snapshot);
 
 // An insert, update or delete; 3065 for a select.
-Preparation PrepareWrite(const sql::Statement& statement, const Catalogue& catalogue,
-                         Storage& storage, size_t literal_count, bool strict);
+Preparation PrepareWrite(const sql::Statement& statement, const PreparationGround& ground,
+                         bool strict);
 
 }  // namespace ambrelio::embedded

@@ -1,0 +1,134 @@
+#include "ambrelio/engine/embedded/planner/planner.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <utility>
+#include <variant>
+
+#include "ambrelio/engine/embedded/planner/rewrites.h"
+#include "ambrelio/engine/embedded/planner/tree_walk.h"
+
+namespace ambrelio::embedded {
+
+using bound::ExprPtr;
+using bound::Query;
+using bound::Source;
+
+namespace {
+
+// Each split can double what is written.
+constexpr int kMostSplits = 2;
+
+// The highest number of a source in the query.
+int LastSource(Query& query) {
+  int last = 0;
+  if (query.select) {
+    for (const Source& source : query.select->from) {
+      bound::ForEachLeaf(source, [&](const Source& leaf) { last = std::max(last, leaf.id); });
+    }
+  }
+  planner::ForEachQueryBelow(query,
+                             [&](Query& below) { last = std::max(last, LastSource(below)); });
+  return last;
+}
+
+class Planner {
+ public:
+  Planner(const PlanOptions& options, int next_source)
+      : options_(options), next_source_(next_source) {}
+
+  void Run(Query& query, int splits) {
+    if (query.select) {
+      if (options_.inner_joins) planner::MakeJoinsInner(*query.select);
+      if (options_.merged_queries) planner::MergeQueries(query);
+      // What has come up may decide about more joins.
+      if (options_.inner_joins) planner::MakeJoinsInner(*query.select);
+      while (options_.split_joins && splits > 0 && planner::SplitJoin(query, next_source_)) {
+        --splits;
+      }
+    }
+    planner::ForEachQueryBelow(query, [&](Query& below) { Run(below, splits); });
+  }
+
+ private:
+  const PlanOptions& options_;
+  int next_source_;
+};
+
+// The queries that stand in what a statement computes, beside those of its sources.
+using VisitQuery = std::function<void(Query&)>;
+
+void ForEachQueryOf(const ExprPtr& expr, const VisitQuery& visit) {
+  if (!expr) return;
+  bound::ForEachExpr(*expr, [&](bound::Expr& part) {
+    if (part.query) visit(*part.query);
+  });
+}
+
+struct ForEachQuery {
+  const VisitQuery& visit;
+
+  void operator()(std::unique_ptr<Query>& query) const { visit(*query); }
+  void operator()(bound::Insert& insert) const {
+    if (insert.query) visit(*insert.query);
+    for (const bound::FieldValue& value : insert.values) ForEachQueryOf(value.value, visit);
+  }
+  void operator()(bound::Update& update) const {
+    ForEachQueryOf(update.where, visit);
+    for (const bound::UpdateTarget& target : update.targets) {
+      for (const bound::FieldValue& value : target.values) ForEachQueryOf(value.value, visit);
+    }
+  }
+  void operator()(bound::Delete& statement) const { ForEachQueryOf(statement.where, visit); }
+};
+
+const std::vector<Source>* SourcesWritten(const bound::Statement& statement) {
+  if (const auto* update = std::get_if<bound::Update>(&statement)) return &update->from;
+  if (const auto* removal = std::get_if<bound::Delete>(&statement)) return &removal->from;
+  return nullptr;
+}
+
+}  // namespace
+
+void Plan(Query& query, const PlanOptions& options) {
+  Planner(options, LastSource(query) + 1).Run(query, kMostSplits);
+}
+
+void Plan(bound::Statement& statement, const PlanOptions& options) {
+  int last = 0;
+  if (const auto* sources = SourcesWritten(statement)) {
+    for (const Source& source : *sources) {
+      bound::ForEachLeaf(source, [&](const Source& leaf) { last = std::max(last, leaf.id); });
+    }
+  }
+  const VisitQuery look = [&](Query& query) { last = std::max(last, LastSource(query)); };
+  std::visit(ForEachQuery{look}, statement);
+  Planner planner(options, last + 1);
+  const VisitQuery plan = [&](Query& query) { planner.Run(query, kMostSplits); };
+  std::visit(ForEachQuery{plan}, statement);
+}
+
+PlanOptions PlanOptions::Without(std::string_view names) {
+  PlanOptions options;
+  const auto named = [names](std::string_view name) {
+    for (size_t at = 0; at <= names.size();) {
+      const size_t end = std::min(names.find(',', at), names.size());
+      const std::string_view one = names.substr(at, end - at);
+      if (one == name || one == "all") return true;
+      at = end + 1;
+    }
+    return false;
+  };
+  options.inner_joins = !named("inner_joins");
+  options.merged_queries = !named("merged_queries");
+  options.split_joins = !named("split_joins");
+  return options;
+}
+
+PlanOptions PlanOptions::FromEnvironment() {
+  const char* names = std::getenv("AMBRELIO_WITHOUT_REWRITES");
+  return Without(names == nullptr ? "" : names);
+}
+
+}  // namespace ambrelio::embedded

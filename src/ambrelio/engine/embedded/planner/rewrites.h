@@ -1,0 +1,23 @@
+// The rewrites, each on one select; those below it are planned by themselves.
+#pragma once
+
+#include "ambrelio/engine/embedded/binder/bound_tree.h"
+
+namespace ambrelio::embedded::planner {
+
+// An outer join becomes an inner one when no row that it completes with Nulls can pass the
+// conditions around it.
+void MakeJoinsInner(bound::Select& select);
+
+// A query in the from clause that only chooses rows and computes columns gives way to its own
+// sources. Within the optional side of an outer join that goes for queries whose columns are plain:
+// computed ones need not be Null where there is no partner.
+void MergeQueries(bound::Query& query);
+
+// A left join with one table on its right, whose columns stand under null-tests, is taken apart:
+// into the rows with a partner and those without. In each the tests are known; a branch whose
+// conditions cannot hold goes, and the rows of two branches come together in a union, a source of
+// number `next_source`. False when there was nothing to split.
+bool SplitJoin(bound::Query& query, int& next_source);
+
+}  // namespace ambrelio::embedded::planner

@@ -1,0 +1,94 @@
+#include "ambrelio/engine/embedded/planner/tree_walk.h"
+
+#include <algorithm>
+
+namespace ambrelio::embedded::planner {
+
+using bound::Expr;
+using bound::ExprKind;
+using bound::ExprPtr;
+using bound::Query;
+using bound::Source;
+
+void RewriteAll(ExprPtr& expr, const Rewrite& rewrite) {
+  for (ExprPtr& arg : expr->args) RewriteAll(arg, rewrite);
+  if (expr->query) RewriteAll(*expr->query, rewrite);
+  rewrite(expr);
+}
+
+void RewriteAll(Source& source, const Rewrite& rewrite) {
+  if (source.query) RewriteAll(*source.query, rewrite);
+  if (source.left) RewriteAll(*source.left, rewrite);
+  if (source.right) RewriteAll(*source.right, rewrite);
+  if (source.on) RewriteAll(source.on, rewrite);
+}
+
+void RewriteAll(Query& query, const Rewrite& rewrite) {
+  if (!query.select) {
+    RewriteAll(*query.left, rewrite);
+    RewriteAll(*query.right, rewrite);
+    for (bound::OrderKey& key : query.order) RewriteAll(key.expr, rewrite);
+    return;
+  }
+  ForEachDelivered(query, [&](ExprPtr& expr) { RewriteAll(expr, rewrite); });
+  for (Source& source : query.select->from) RewriteAll(source, rewrite);
+  if (query.select->where) RewriteAll(query.select->where, rewrite);
+}
+
+namespace {
+
+void ForEachQueryIn(Expr& expr, const std::function<void(Query&)>& visit) {
+  bound::ForEachExpr(expr, [&](Expr& part) {
+    if (part.query) visit(*part.query);
+  });
+}
+
+void ForEachQueryIn(Source& source, const std::function<void(Query&)>& visit) {
+  if (source.query) visit(*source.query);
+  if (source.left) ForEachQueryIn(*source.left, visit);
+  if (source.right) ForEachQueryIn(*source.right, visit);
+  if (source.on) ForEachQueryIn(*source.on, visit);
+}
+
+void CollectTerms(const Expr& condition, std::vector<const Expr*>& terms) {
+  if (condition.kind == ExprKind::kBinary && condition.op == sql::BinaryOp::kAnd) {
+    CollectTerms(*condition.args[0], terms);
+    CollectTerms(*condition.args[1], terms);
+  } else {
+    terms.push_back(&condition);
+  }
+}
+
+}  // namespace
+
+void ForEachQueryBelow(Query& query, const std::function<void(Query&)>& visit) {
+  if (!query.select) {
+    visit(*query.left);
+    visit(*query.right);
+    return;
+  }
+  ForEachDelivered(query, [&](ExprPtr& expr) { ForEachQueryIn(*expr, visit); });
+  for (Source& source : query.select->from) ForEachQueryIn(source, visit);
+  if (query.select->where) ForEachQueryIn(*query.select->where, visit);
+}
+
+std::vector<const Expr*> Terms(const ExprPtr& condition) {
+  std::vector<const Expr*> terms;
+  if (condition) CollectTerms(*condition, terms);
+  return terms;
+}
+
+bool Mentions(const Expr& expr, const Source& side) {
+  std::vector<int> sources;
+  bound::ForEachLeaf(side, [&](const Source& leaf) { sources.push_back(leaf.id); });
+  bool found = false;
+  ExprPtr copy = bound::Clone(expr);
+  RewriteAll(copy, [&](const ExprPtr& part) {
+    found =
+        found || (part->kind == ExprKind::kColumn &&
+                  std::find(sources.begin(), sources.end(), part->column.source) != sources.end());
+  });
+  return found;
+}
+
+}  // namespace ambrelio::embedded::planner
