@@ -1,5 +1,7 @@
 #include "ambrelio/engine/embedded/embedded_engine.h"
 
+#include <utility>
+
 #include "ambrelio/engine/embedded/workspace.h"
 
 namespace ambrelio::embedded {
@@ -7,7 +9,7 @@ namespace {
 
 class EmbeddedEngine final : public dao::DBEngine {
  public:
-  explicit EmbeddedEngine(const PlanOptions& plan) : workspace_(plan) {}
+  EmbeddedEngine(const PlanOptions& plan, KeptIndexes kept) : workspace_(plan, std::move(kept)) {}
 
   // The version of DAO whose behaviour clients find here.
   std::string Version() const override { return "3.6"; }
@@ -19,8 +21,8 @@ class EmbeddedEngine final : public dao::DBEngine {
 
 }  // namespace
 
-std::shared_ptr<dao::DBEngine> CreateEngine(const PlanOptions& plan) {
-  return std::make_shared<EmbeddedEngine>(plan);
+std::shared_ptr<dao::DBEngine> CreateEngine(const PlanOptions& plan, KeptIndexes kept) {
+  return std::make_shared<EmbeddedEngine>(plan, std::move(kept));
 }
 
 }  // namespace ambrelio::embedded

@@ -5,11 +5,14 @@
 
 #include "ambrelio/dao/database.h"
 #include "ambrelio/engine/embedded/planner/planner.h"
+#include "ambrelio/engine/embedded/storage/kept_indexes.h"
 
 namespace ambrelio::embedded {
 
 // An engine with a default workspace of its own. Databases outlive it if they are still held.
+// `plan` says how queries are planned, and `kept` which indexes its databases have besides those
+// that clients see.
 std::shared_ptr<dao::DBEngine> CreateEngine(
-    const PlanOptions& plan = PlanOptions::FromEnvironment());
+    const PlanOptions& plan = PlanOptions::FromEnvironment(), KeptIndexes kept = {});
 
 }  // namespace ambrelio::embedded

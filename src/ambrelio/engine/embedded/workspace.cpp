@@ -10,17 +10,6 @@
 namespace ambrelio::embedded {
 namespace {
 
-std::shared_ptr<dao::Database> Connect(std::unique_ptr<Storage> storage,
-                                       const std::string& password,
-                                       const std::shared_ptr<Transactions>& transactions,
-                                       const PlanOptions& plan) {
-  auto catalogue = std::make_unique<CatalogueStore>(*storage);
-  CheckPassword(*catalogue, password);
-  catalogue->Current();  // a damaged one is known now
-  return std::make_shared<Database>(
-      std::make_shared<Connection>(std::move(storage), std::move(catalogue), transactions, plan));
-}
-
 Storage::Access AccessOf(bool exclusive, bool read_only) {
   using Access = Storage::Access;
   if (exclusive) return read_only ? Access::kExclusiveReadOnly : Access::kExclusive;
@@ -29,11 +18,20 @@ Storage::Access AccessOf(bool exclusive, bool read_only) {
 
 }  // namespace
 
+std::shared_ptr<dao::Database> Workspace::Connect(std::unique_ptr<Storage> storage,
+                                                  const std::string& password) const {
+  auto catalogue = std::make_unique<CatalogueStore>(*storage, kept_);
+  CheckPassword(*catalogue, password);
+  catalogue->Current();  // a damaged one is known now
+  catalogue->MakeKeptIndexes();
+  return std::make_shared<Database>(
+      std::make_shared<Connection>(std::move(storage), std::move(catalogue), transactions_, plan_));
+}
+
 std::shared_ptr<dao::Database> Workspace::OpenDatabase(const std::string& path, bool exclusive,
                                                        bool read_only, const std::string& connect) {
   const std::string password = PasswordOf(connect);
-  return Connect(Storage::Open(path, AccessOf(exclusive, read_only)), password, transactions_,
-                 plan_);
+  return Connect(Storage::Open(path, AccessOf(exclusive, read_only)), password);
 }
 
 std::shared_ptr<dao::Database> Workspace::CreateDatabase(const std::string& path,
@@ -44,7 +42,7 @@ std::shared_ptr<dao::Database> Workspace::CreateDatabase(const std::string& path
     CatalogueStore catalogue(fresh);
     SetPassword(catalogue, password);
   });
-  return Connect(std::move(storage), password, transactions_, plan_);
+  return Connect(std::move(storage), password);
 }
 
 }  // namespace ambrelio::embedded

@@ -3,9 +3,11 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "ambrelio/dao/database.h"
 #include "ambrelio/engine/embedded/planner/planner.h"
+#include "ambrelio/engine/embedded/storage/kept_indexes.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
 #include "ambrelio/engine/embedded/storage/transactions.h"
 
@@ -13,7 +15,7 @@ namespace ambrelio::embedded {
 
 class Workspace final : public dao::Workspace {
  public:
-  explicit Workspace(const PlanOptions& plan) : plan_(plan) {}
+  Workspace(const PlanOptions& plan, KeptIndexes kept) : plan_(plan), kept_(std::move(kept)) {}
 
   std::shared_ptr<dao::Database> OpenDatabase(const std::string& path, bool exclusive,
                                               bool read_only, const std::string& connect) override;
@@ -25,7 +27,11 @@ class Workspace final : public dao::Workspace {
   void Rollback() override { transactions_->Rollback(); }
 
  private:
-  PlanOptions plan_;
+  std::shared_ptr<dao::Database> Connect(std::unique_ptr<Storage> storage,
+                                         const std::string& password) const;
+
+  const PlanOptions plan_;
+  const KeptIndexes kept_;
   // Shared with the databases, which may outlive the workspace.
   std::shared_ptr<Transactions> transactions_ = std::make_shared<Transactions>();
 };

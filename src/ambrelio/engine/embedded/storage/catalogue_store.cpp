@@ -1,6 +1,7 @@
 #include "ambrelio/engine/embedded/storage/catalogue_store.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/storage/catalogue_rows.h"
@@ -39,7 +40,8 @@ class OneMoment {
 
 }  // namespace
 
-CatalogueStore::CatalogueStore(Storage& storage) : storage_(storage) {}
+CatalogueStore::CatalogueStore(Storage& storage, KeptIndexes kept)
+    : storage_(storage), kept_(std::move(kept)) {}
 
 const Catalogue& CatalogueStore::Current() { return Reread(storage_.ChangedByOthers()); }
 
@@ -71,6 +73,7 @@ void CatalogueStore::Change(const std::function<void()>& change) {
     Current();
     loaded_ = false;  // until the change is complete
     change();
+    if (!kept_.empty()) MakeMissing(storage_, ReadCatalogue(storage_), kept_);
     storage_.Run("replace into \"jet.settings\" values('" + std::string(kStamp) +
                  "', hex(randomblob(16)))");
     storage_.Commit();
@@ -88,6 +91,22 @@ void CatalogueStore::ChangeTable(std::string_view name,
     change_rows(before);
     Reshape(storage_, before, *ReadCatalogue(storage_).FindTable(before.id));
   });
+}
+
+void CatalogueStore::MakeKeptIndexes() {
+  if (storage_.read_only() || !IsAnyMissing(storage_, Current(), kept_)) return;
+  try {
+    storage_.Begin();
+    try {
+      MakeMissing(storage_, Current(), kept_);
+      storage_.Commit();
+    } catch (...) {
+      storage_.Rollback();
+      throw;
+    }
+  } catch (const AutomationError&) {
+    // Others are writing, or there is no room.
+  }
 }
 
 void CatalogueStore::CheckTableNameFree(const std::string& name) {

@@ -11,13 +11,15 @@
 #include <string_view>
 
 #include "ambrelio/engine/embedded/storage/catalogue.h"
+#include "ambrelio/engine/embedded/storage/kept_indexes.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
 
 namespace ambrelio::embedded {
 
 class CatalogueStore {
  public:
-  explicit CatalogueStore(Storage& storage);
+  // `kept` are the indexes that the storage keeps besides those of the catalogue.
+  explicit CatalogueStore(Storage& storage, KeptIndexes kept = {});
 
   // The catalogue as it is now: read again when another connection, or a rollback, changed it.
   const Catalogue& Current();
@@ -45,6 +47,10 @@ class CatalogueStore {
   void ChangeQuery(std::string_view name, const std::string& sql);
   void DropQuery(std::string_view name);
 
+  // Makes kept indexes that are missing. They only save time: where the file cannot be written now
+  // it is left to the next opening.
+  void MakeKeptIndexes();
+
   std::string Setting(std::string_view key);
   void SetSetting(std::string_view key, const std::string& value);
 
@@ -59,6 +65,7 @@ class CatalogueStore {
   void CheckTableNameFree(const std::string& name);
 
   Storage& storage_;
+  const KeptIndexes kept_;
   Catalogue catalogue_;
   int64_t version_ = 0;
   std::string stamp_;      // the setting of that name that belongs to catalogue_
