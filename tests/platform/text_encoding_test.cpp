@@ -81,16 +81,6 @@ TEST(Utf16, WritesMalformedBytesAsReplacements) {
   EXPECT_EQ(Utf8ToUtf16("\xE2\x82"), u"\uFFFD\uFFFD");
 }
 
-TEST(LowerCase, MakesSmallLettersOfAsciiAndWindows1252) {
-  EXPECT_EQ(LowerCase("MaxTolvas 12"), "maxtolvas 12");
-  EXPECT_EQ(LowerCase("SÍ ÑÇÜ ŒŠŽŸ"), "sí ñçü œšžÿ");
-}
-
-TEST(LowerCase, LeavesEverythingElse) {
-  EXPECT_EQ(LowerCase("×ß÷Ω€😀"), "×ß÷Ω€😀");
-  EXPECT_EQ(LowerCase("A\xD1Z"), "a\xD1z");
-}
-
 TEST(Utf8Length, CountsCharacters) {
   EXPECT_EQ(Utf8Length(""), 0U);
   EXPECT_EQ(Utf8Length("añ€😀"), 4U);

@@ -1,5 +1,6 @@
 #include "ambrelio/kestro/ini_text.h"
 
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/platform/text_encoding.h"
 #include "ambrelio/value/ascii.h"
 

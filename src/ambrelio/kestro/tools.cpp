@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "ambrelio/platform/text_encoding.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/value/ascii.h"
 #include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/convert.h"

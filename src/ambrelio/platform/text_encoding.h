@@ -15,9 +15,6 @@ std::string Utf8ToWindows1252(std::string_view text);
 std::string Utf16ToUtf8(std::u16string_view text);
 std::u16string Utf8ToUtf16(std::string_view text);
 
-// Small letters for capital ones: those of ASCII and of Windows-1252. For comparing names.
-std::string LowerCase(std::string_view text);
-
 // Characters (code points) of UTF-8 text, and its first `count` of them.
 size_t Utf8Length(std::string_view text);
 std::string_view Utf8Prefix(std::string_view text, size_t count);

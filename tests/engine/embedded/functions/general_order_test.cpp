@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
+#include "ambrelio/platform/characters.h"
 #include "support/function_db.h"
 
 namespace ambrelio::embedded {

@@ -4,6 +4,8 @@
 #include <array>
 #include <string>
 
+#include "ambrelio/platform/characters.h"
+
 namespace ambrelio::embedded {
 
 namespace {
@@ -79,14 +81,6 @@ constexpr std::array kAggregates = {
     NamedAggregate{"max", Aggregate::kMaximum}, NamedAggregate{"min", Aggregate::kMinimum},
     NamedAggregate{"sum", Aggregate::kSum},
 };
-
-std::string LowerCase(std::string_view name) {
-  std::string lower(name);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
 
 }  // namespace
 

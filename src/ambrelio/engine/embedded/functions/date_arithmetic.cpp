@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio::embedded {
@@ -96,7 +96,7 @@ Interval IntervalOf(std::string_view name) {
       {"ww", Interval::kWeek},     {"h", Interval::kHour},    {"n", Interval::kMinute},
       {"s", Interval::kSecond},
   };
-  const std::string lower = LowerText(name);
+  const std::string lower = LowerCase(name);
   for (const Named& named : kNames) {
     if (named.name == lower) return named.interval;
   }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
 #include "ambrelio/engine/embedded/functions/format_pattern.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/decimal.h"
 #include "ambrelio/value/locale.h"
@@ -83,7 +83,7 @@ std::string TextOfType(const Variant& value, dao::FieldType type) {
 
 std::string FormatValue(const Variant& value, std::string_view pattern_text, dao::FieldType type) {
   std::string plain = TextOfType(value, type);
-  const std::string lower = LowerText(pattern_text);
+  const std::string lower = LowerCase(pattern_text);
   if (pattern_text.empty()) return plain;
   if (lower == kGeneralNumber) {
     const auto number = value.is_null() ? std::nullopt : NumberIn(value);

@@ -4,9 +4,9 @@
 #include <optional>
 #include <utility>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
 #include "ambrelio/engine/embedded/functions/date_arithmetic.h"
 #include "ambrelio/engine/embedded/functions/format_pattern.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/value/convert.h"
 
 namespace ambrelio::embedded {
@@ -82,7 +82,7 @@ class Printer {
   std::string RunAt(size_t at) const {
     std::string run;
     for (; at < pattern_.size() && pattern_[at].IsOneOf("cdmyhnswqtCDMYHNSWQT"); ++at) {
-      const std::string letter = LowerText(pattern_[at].text);
+      const std::string letter = LowerCase(pattern_[at].text);
       if (!run.empty() && run.back() != letter[0]) break;
       run += letter;
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
+#include "ambrelio/platform/characters.h"
 
 namespace ambrelio::embedded {
 
@@ -99,8 +99,8 @@ std::string Literal(const Pattern& pattern) {
 std::string FormatText(std::string_view text, const std::vector<Pattern>& sections) {
   const Pattern& pattern = text.empty() && sections.size() > 1 ? sections[1] : sections[0];
   std::string changed(text);
-  if (Has(pattern, '<')) changed = LowerText(text);
-  if (Has(pattern, '>')) changed = UpperText(text);
+  if (Has(pattern, '<')) changed = LowerCase(text);
+  if (Has(pattern, '>')) changed = UpperCase(text);
   return Fill(CharactersOf(changed), pattern, Has(pattern, '!'));
 }
 

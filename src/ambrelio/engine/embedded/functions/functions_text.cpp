@@ -1,8 +1,8 @@
 // The functions of text. They count characters, not bytes.
 #include <optional>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
 #include "ambrelio/engine/embedded/functions/function_support.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/platform/text_encoding.h"
 
 namespace ambrelio::embedded {
@@ -75,8 +75,8 @@ void InStr(sqlite3_context* context, Arguments arguments) {
   std::string find = TextOf(arguments[has_start ? 2 : 1]);
   const bool minds_case = arguments.size() > 3 && LongOf(arguments[3]) == 0;
   if (!minds_case) {  // a letter and its capital may differ in bytes, so both are changed
-    text = LowerText(text);
-    find = LowerText(find);
+    text = LowerCase(text);
+    find = LowerCase(find);
   }
   int64_t place = 0;
   if (skipped < Utf8Length(text)) {
@@ -154,8 +154,8 @@ constexpr Function kFunctions[] = {
     {"jet_trim", 1, 1, Trim<true, true>},
     {"jet_ltrim", 1, 1, Trim<true, false>},
     {"jet_rtrim", 1, 1, Trim<false, true>},
-    {"jet_ucase", 1, 1, ChangeCase<UpperText>},
-    {"jet_lcase", 1, 1, ChangeCase<LowerText>},
+    {"jet_ucase", 1, 1, ChangeCase<UpperCase>},
+    {"jet_lcase", 1, 1, ChangeCase<LowerCase>},
     {"jet_instr", 2, 4, InStr},
     {"jet_replace", 3, 3, Replace},
     {"jet_space", 1, 1, Space},

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/value/ascii.h"
 
 namespace ambrelio::embedded {

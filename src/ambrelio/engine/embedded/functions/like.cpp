@@ -1,7 +1,7 @@
 #include <optional>
 
-#include "ambrelio/engine/embedded/functions/characters.h"
 #include "ambrelio/engine/embedded/functions/functions.h"
+#include "ambrelio/platform/characters.h"
 
 namespace ambrelio::embedded {
 

@@ -1,11 +1,11 @@
-#include "ambrelio/engine/embedded/functions/characters.h"
+#include "ambrelio/platform/characters.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-namespace ambrelio::embedded {
+namespace ambrelio {
 namespace {
 
 std::vector<char32_t> Characters(std::string_view text) {
@@ -45,14 +45,16 @@ TEST(AppendCharacter, WritesWhatNextCharacterReads) {
 }
 
 TEST(LetterCase, ChangesLatinGreekAndCyrillic) {
-  EXPECT_EQ(UpperText("almazara ñandú ç šž ÿ ąłż αώ дё"), "ALMAZARA ÑANDÚ Ç ŠŽ Ÿ ĄŁŻ ΑΏ ДЁ");
-  EXPECT_EQ(LowerText("ALMAZARA ÑANDÚ Ç ŠŽ Ÿ ĄŁŻ ΑΏ ДЁ"), "almazara ñandú ç šž ÿ ąłż αώ дё");
+  EXPECT_EQ(UpperCase("almazara ñandú ç šž ÿ ąłż αώ дё"), "ALMAZARA ÑANDÚ Ç ŠŽ Ÿ ĄŁŻ ΑΏ ДЁ");
+  EXPECT_EQ(LowerCase("ALMAZARA ÑANDÚ Ç ŠŽ Ÿ ĄŁŻ ΑΏ ДЁ"), "almazara ñandú ç šž ÿ ąłż αώ дё");
 }
 
 TEST(LetterCase, LeavesSignsAndLettersWithoutAPartner) {
-  EXPECT_EQ(UpperText("ß×÷ĸ1-@[`{"), "ß×÷ĸ1-@[`{");
-  EXPECT_EQ(LowerText("×÷1-@[`{"), "×÷1-@[`{");
+  EXPECT_EQ(UpperCase("ß×÷ĸ1-@[`{"), "ß×÷ĸ1-@[`{");
+  EXPECT_EQ(LowerCase("×÷1-@[`{"), "×÷1-@[`{");
 }
+
+TEST(LetterCase, LeavesStrayBytes) { EXPECT_EQ(LowerCase("A\xD1Z"), "a\xD1z"); }
 
 TEST(LetterCase, BringsEveryCapitalBack) {
   for (char32_t character = 0; character < 0x500; ++character) {
@@ -62,4 +64,4 @@ TEST(LetterCase, BringsEveryCapitalBack) {
 }
 
 }  // namespace
-}  // namespace ambrelio::embedded
+}  // namespace ambrelio

@@ -1,6 +1,6 @@
-#include "ambrelio/engine/embedded/functions/characters.h"
+#include "ambrelio/platform/characters.h"
 
-namespace ambrelio::embedded {
+namespace ambrelio {
 
 namespace {
 
@@ -68,7 +68,7 @@ void AppendCharacter(std::string& text, char32_t character) {
   }
 }
 
-std::string LowerText(std::string_view text) { return Changed<ToLower>(text); }
-std::string UpperText(std::string_view text) { return Changed<ToUpper>(text); }
+std::string LowerCase(std::string_view text) { return Changed<ToLower>(text); }
+std::string UpperCase(std::string_view text) { return Changed<ToUpper>(text); }
 
-}  // namespace ambrelio::embedded
+}  // namespace ambrelio

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace ambrelio::embedded {
+namespace ambrelio {
 
 // What a byte that is no UTF-8 reads as: a character of its own beyond Unicode, so that any bytes
 // can be walked and different ones stay different.
@@ -79,7 +79,8 @@ constexpr char32_t ToUpper(char32_t character) {
   return character;
 }
 
-std::string LowerText(std::string_view text);
-std::string UpperText(std::string_view text);
+// Every letter in the other case; what is no UTF-8 stays.
+std::string LowerCase(std::string_view text);
+std::string UpperCase(std::string_view text);
 
-}  // namespace ambrelio::embedded
+}  // namespace ambrelio
