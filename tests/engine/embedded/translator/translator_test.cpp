@@ -18,7 +18,7 @@ using testing::Not;
 class TranslatorTest : public testing::Test {
  protected:
   TranslatorTest() {
-    Executor executor(*storage_, store_);
+    Executor executor(*storage_, store_, PlanOptions());
     executor.Execute(
         "create table Descargas (Tolva short, Descarga long, Deposito short, Fraccion double, "
         "constraint k primary key (Tolva, Descarga, Deposito))",

@@ -20,13 +20,6 @@ using dao::DaoError;
 // What a statement is prepared for: part of its key in the cache.
 enum class Use : char { kDynaset = 'd', kSnapshot = 's', kWrite = 'w', kStrictWrite = 'f' };
 
-void BindLiterals(StorageStatement& statement, const std::vector<Variant>& literals) {
-  const int wanted = sqlite3_bind_parameter_count(statement.raw());
-  for (int i = 0; i < wanted && i < static_cast<int>(literals.size()); ++i) {
-    statement.Bind(i + 1, literals[static_cast<size_t>(i)]);
-  }
-}
-
 std::string_view Trimmed(std::string_view text) {
   const auto is_blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
   while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
@@ -41,12 +34,14 @@ bool IsName(std::string_view text) {
 }
 
 // Outside of transactions, one for everything that the opening of a recordset reads: it sees one
-// state of the file, whose locks are taken once.
+// state of the file, whose locks are taken once. The recordset's statement holds that state when
+// the transaction has ended.
 class ReadTransaction {
  public:
   ReadTransaction(Storage& storage, StorageStatement& begin, StorageStatement& end)
       : end_(storage.level() == 0 ? &end : nullptr) {
     if (end_ == nullptr) return;
+    storage.CatchUp();
     begin.Step();
     begin.Reset();
   }
@@ -74,6 +69,7 @@ class Executor::Impl {
         end_reading_(storage.raw(), "commit") {}
 
   int32_t Execute(const std::string& sql, bool fail_on_error) {
+    storage_.SettleReads();
     const Catalogue& catalogue = Refresh();
     const sql::Shape shape = sql::ShapeOf(sql);
     bool defined = false;
@@ -100,23 +96,13 @@ class Executor::Impl {
     const ReadTransaction reading(storage_, begin_reading_, end_reading_);
     const Catalogue& catalogue = Refresh();
     const std::string sql = SelectText(source, catalogue);
-    const sql::Shape shape = sql::ShapeOf(sql);
+    sql::Shape shape = sql::ShapeOf(sql);
     const bool as_snapshot = type == dao::RecordsetType::kSnapshot;
     const auto prepare = [&] {
       return PrepareQuery(sql::Parse(sql), Ground(catalogue, shape), as_snapshot);
     };
     Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
-    BindLiterals(lease->main, shape.literals);
-    if (lease->row) {
-      std::vector<int64_t> row_ids;
-      while (lease->main.Step()) row_ids.push_back(lease->main.Integer(0));
-      lease->main.Reset();
-      BindLiterals(*lease->row, shape.literals);
-      return OpenDynaset(std::move(row_ids), std::move(lease), std::move(alive));
-    }
-    RowBuffer rows(lease->columns);
-    while (lease->main.Step()) rows.Append(lease->main);
-    return OpenSnapshot(std::move(rows), lease->columns, std::move(alive));
+    return OpenRows(storage_, std::move(lease), std::move(shape.literals), std::move(alive));
   }
 
  private:

@@ -47,10 +47,21 @@ struct PrepareBound {
   }
 };
 
-}  // namespace
+// The storage engine limits how deep a text is nested and how many sources are joined, and a plan
+// can have more of both than the statement: what is refused then is prepared as it stands.
+template <class Prepare>
+Preparation WithPlanOrWithout(const PreparationGround& ground, const Prepare& prepare) {
+  try {
+    return prepare(ground);
+  } catch (const AutomationError& error) {
+    if (error.number() != static_cast<int>(dao::DaoError::kReserved)) throw;
+  }
+  const PlanOptions none = PlanOptions::Without("all");
+  return prepare({ground.catalogue, ground.storage, none, ground.literal_count});
+}
 
-Preparation PrepareQuery(const sql::Statement& statement, const PreparationGround& ground,
-                         bool as_snapshot) {
+Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGround& ground,
+                           bool as_snapshot) {
   Storage& storage = ground.storage;
   if (!std::holds_alternative<sql::Query>(statement)) {
     dao::Raise(dao::DaoError::kInvalidOperation, "DAO.Database");
@@ -60,9 +71,10 @@ Preparation PrepareQuery(const sql::Statement& statement, const PreparationGroun
   Preparation result;
   result.by_text = bound.literals_matter;
   const bool is_dynaset = !as_snapshot && IsDynaset(query);
+  const bool can_turn = CanTurnRound(query);
   Plan(query, ground.plan);
+  const int row_parameter = static_cast<int>(ground.literal_count) + 1;
   if (is_dynaset) {
-    const int row_parameter = static_cast<int>(ground.literal_count) + 1;
     const DynasetSql sql = TranslateDynaset(query, row_parameter);
     result.prepared = PrepareText(storage, sql.rows);
     result.prepared->row.emplace(storage.raw(), sql.row);
@@ -71,11 +83,17 @@ Preparation PrepareQuery(const sql::Statement& statement, const PreparationGroun
     result.prepared = PrepareText(storage, TranslateQuery(query));
   }
   result.prepared->columns = std::make_shared<const Columns>(query.columns);
+  if (can_turn) {
+    TurnRound(query);
+    result.prepared->last_sql =
+        (is_dynaset ? TranslateDynaset(query, row_parameter).rows : TranslateQuery(query)) +
+        " LIMIT 1";
+  }
   return result;
 }
 
-Preparation PrepareWrite(const sql::Statement& statement, const PreparationGround& ground,
-                         bool strict) {
+Preparation PrepareWriteOn(const sql::Statement& statement, const PreparationGround& ground,
+                           bool strict) {
   if (std::holds_alternative<sql::Query>(statement)) {
     dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
   }
@@ -85,6 +103,22 @@ Preparation PrepareWrite(const sql::Statement& statement, const PreparationGroun
   result.by_text = bound.literals_matter;
   result.prepared = std::visit(PrepareBound{ground, strict}, bound.statement);
   return result;
+}
+
+}  // namespace
+
+Preparation PrepareQuery(const sql::Statement& statement, const PreparationGround& ground,
+                         bool as_snapshot) {
+  return WithPlanOrWithout(ground, [&](const PreparationGround& with) {
+    return PrepareQueryOn(statement, with, as_snapshot);
+  });
+}
+
+Preparation PrepareWrite(const sql::Statement& statement, const PreparationGround& ground,
+                         bool strict) {
+  return WithPlanOrWithout(ground, [&](const PreparationGround& with) {
+    return PrepareWriteOn(statement, with, strict);
+  });
 }
 
 }  // namespace ambrelio::embedded

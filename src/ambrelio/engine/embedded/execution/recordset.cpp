@@ -1,8 +1,10 @@
 #include "ambrelio/engine/embedded/execution/recordset.h"
 
+#include <optional>
 #include <utility>
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/execution/rows.h"
 #include "ambrelio/engine/embedded/storage/catalogue.h"
 
 namespace ambrelio::embedded {
@@ -15,85 +17,52 @@ constexpr const char* kRecordset = "DAO.Recordset";
 constexpr const char* kFields = "DAO.Fields";
 constexpr const char* kField = "DAO.Field";
 
-// The rows of a set, of which one at a time is current.
-class Rows {
- public:
-  virtual ~Rows() = default;
-  virtual int64_t Count() const = 0;
-  virtual void MakeCurrent(int64_t row) = 0;
-  // Of the current row.
-  virtual Variant Value(size_t column) const = 0;
-
- protected:
-  Rows() = default;
-  Rows(const Rows&) = default;
-  Rows& operator=(const Rows&) = default;
-};
-
-class SnapshotRows : public Rows {
- public:
-  explicit SnapshotRows(RowBuffer rows) : rows_(std::move(rows)) {}
-  int64_t Count() const override { return static_cast<int64_t>(rows_.Count()); }
-  void MakeCurrent(int64_t row) override { current_ = static_cast<size_t>(row); }
-  Variant Value(size_t column) const override { return rows_.Value(current_, column); }
-
- private:
-  RowBuffer rows_;
-  size_t current_ = 0;
-};
-
-class DynasetRows : public Rows {
- public:
-  DynasetRows(std::vector<int64_t> row_ids, Lease lease)
-      : row_ids_(std::move(row_ids)), lease_(std::move(lease)), current_(lease_->columns) {}
-  int64_t Count() const override { return static_cast<int64_t>(row_ids_.size()); }
-
-  void MakeCurrent(int64_t row) override {
-    current_.Clear();
-    StorageStatement& statement = *lease_->row;
-    statement.Bind(lease_->row_parameter, row_ids_[static_cast<size_t>(row)]);
-    if (statement.Step()) current_.Append(statement);
-    // Lets go of the storage but keeps the bindings.
-    sqlite3_reset(statement.raw());
-  }
-
-  Variant Value(size_t column) const override {
-    if (current_.Count() == 0) dao::Raise(DaoError::kRecordDeleted, kRecordset);
-    return current_.Value(0, column);
-  }
-
- private:
-  std::vector<int64_t> row_ids_;
-  Lease lease_;
-  RowBuffer current_;
-};
-
 // What a recordset and its fields share; a field can outlive its recordset.
 class State {
  public:
-  State(std::unique_ptr<Rows> rows, std::shared_ptr<const Columns> columns, Liveness alive)
+  State(std::shared_ptr<Rows> rows, std::shared_ptr<const Columns> columns, Liveness alive)
       : rows_(std::move(rows)), columns_(std::move(columns)), alive_(std::move(alive)) {
-    if (rows_->Count() > 0) rows_->MakeCurrent(0);
+    empty_ = !rows_->Has(0);
+    GoTo(0);
   }
 
   void RequireOpen(const char* source) const {
     if (!rows_ || !*alive_) dao::Raise(DaoError::kObjectClosed, source);
   }
 
-  bool AtEnd() const { return place_ == rows_->Count(); }
-  bool AtStart() const { return place_ < 0 || rows_->Count() == 0; }
+  bool AtEnd() const { return at_ == At::kEnd; }
+  bool AtStart() const { return at_ == At::kStart || empty_; }
+  bool empty() const { return empty_; }
 
-  // To the row of that place, or to one of the ends.
-  void Move(int64_t place) {
-    place_ = place;
-    if (!AtEnd() && !AtStart()) rows_->MakeCurrent(place_);
+  // To the row of that place, or behind the last one.
+  void GoTo(int64_t place) {
+    if (rows_->Has(place)) {
+      MakeCurrent(place);
+    } else {
+      at_ = At::kEnd;
+    }
   }
-  int64_t place() const { return place_; }
-  int64_t count() const { return rows_->Count(); }
+  void GoToLast() { MakeCurrent(rows_->FindLast()); }
+  // Not from the end.
+  void GoOn() {
+    if (at_ == At::kStart) return GoTo(0);
+    if (place_) return GoTo(*place_ + 1);
+    at_ = At::kEnd;
+  }
+  // Not from the start.
+  void GoBack() {
+    if (at_ == At::kEnd) return GoToLast();
+    const int64_t place = place_ ? *place_ : rows_->Count() - 1;
+    if (place > 0) {
+      GoTo(place - 1);
+    } else {
+      at_ = At::kStart;
+    }
+  }
 
   Variant Value(size_t column) const {
     RequireOpen(kField);
-    if (AtEnd() || AtStart()) dao::Raise(DaoError::kNoCurrentRecord, kField);
+    if (at_ != At::kRow) dao::Raise(DaoError::kNoCurrentRecord, kField);
     return rows_->Value(column);
   }
 
@@ -101,10 +70,21 @@ class State {
   void Close() { rows_.reset(); }
 
  private:
-  std::unique_ptr<Rows> rows_;  // null once closed
+  enum class At : uint8_t { kStart, kRow, kEnd };
+
+  void MakeCurrent(std::optional<int64_t> place) {
+    at_ = At::kRow;
+    place_ = place;
+    rows_->MakeCurrent(place);
+  }
+
+  std::shared_ptr<Rows> rows_;  // null once closed
   std::shared_ptr<const Columns> columns_;
   Liveness alive_;
-  int64_t place_ = 0;  // -1 before the first row, the number of rows behind the last
+  bool empty_ = false;
+  At at_ = At::kStart;
+  std::optional<int64_t>
+      place_;  // of the current row; nothing for the last one of an unknown count
 };
 
 class RecordsetField : public dao::Field {
@@ -199,20 +179,17 @@ class EmbeddedRecordset : public dao::Recordset {
   bool AtEnd() const override { return Open().AtEnd(); }
   bool AtStart() const override { return Open().AtStart(); }
 
-  void MoveFirst() override { NotEmpty().Move(0); }
-  void MoveLast() override {
-    State& state = NotEmpty();
-    state.Move(state.count() - 1);
-  }
+  void MoveFirst() override { NotEmpty().GoTo(0); }
+  void MoveLast() override { NotEmpty().GoToLast(); }
   void MoveNext() override {
     State& state = NotEmpty();
     if (state.AtEnd()) dao::Raise(DaoError::kNoCurrentRecord, kRecordset);
-    state.Move(state.place() + 1);
+    state.GoOn();
   }
   void MovePrevious() override {
     State& state = NotEmpty();
     if (state.AtStart()) dao::Raise(DaoError::kNoCurrentRecord, kRecordset);
-    state.Move(state.place() - 1);
+    state.GoBack();
   }
 
   dao::Collection<dao::Field>& Fields() override {
@@ -232,7 +209,7 @@ class EmbeddedRecordset : public dao::Recordset {
   }
   State& NotEmpty() const {
     State& state = Open();
-    if (state.count() == 0) dao::Raise(DaoError::kNoCurrentRecord, kRecordset);
+    if (state.empty()) dao::Raise(DaoError::kNoCurrentRecord, kRecordset);
     return state;
   }
 
@@ -240,25 +217,16 @@ class EmbeddedRecordset : public dao::Recordset {
   RecordsetFields fields_;
 };
 
-std::unique_ptr<dao::Recordset> Make(std::unique_ptr<Rows> rows,
-                                     std::shared_ptr<const Columns> columns, Liveness alive) {
-  return std::make_unique<EmbeddedRecordset>(
-      std::make_shared<State>(std::move(rows), std::move(columns), std::move(alive)));
-}
-
 }  // namespace
 
-std::unique_ptr<dao::Recordset> OpenSnapshot(RowBuffer rows, std::shared_ptr<const Columns> columns,
-                                             Liveness alive) {
-  return Make(std::make_unique<SnapshotRows>(std::move(rows)), std::move(columns),
-              std::move(alive));
-}
-
-std::unique_ptr<dao::Recordset> OpenDynaset(std::vector<int64_t> row_ids, Lease lease,
-                                            Liveness alive) {
+std::unique_ptr<dao::Recordset> OpenRows(Storage& storage, Lease lease,
+                                         std::vector<Variant> literals, Liveness alive) {
   auto columns = lease->columns;
-  return Make(std::make_unique<DynasetRows>(std::move(row_ids), std::move(lease)),
-              std::move(columns), std::move(alive));
+  const auto read = lease->row ? ReadDynaset : ReadSnapshot;
+  const std::shared_ptr<Rows> rows = read(storage, std::move(lease), std::move(literals));
+  auto state = std::make_shared<State>(rows, std::move(columns), std::move(alive));
+  if (rows->open()) storage.Register(rows);
+  return std::make_unique<EmbeddedRecordset>(std::move(state));
 }
 
 }  // namespace ambrelio::embedded

@@ -6,18 +6,15 @@
 
 #include "ambrelio/dao/database.h"
 #include "ambrelio/engine/embedded/execution/executor.h"
-#include "ambrelio/engine/embedded/execution/row_buffer.h"
 #include "ambrelio/engine/embedded/execution/statement_cache.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
+#include "ambrelio/value/variant.h"
 
 namespace ambrelio::embedded {
 
-// Rows computed at opening.
-std::unique_ptr<dao::Recordset> OpenSnapshot(RowBuffer rows, std::shared_ptr<const Columns> columns,
-                                             Liveness alive);
-
-// Rows known by their ids and read when they become current, with the lease's `row` statement,
-// whose other parameters are bound.
-std::unique_ptr<dao::Recordset> OpenDynaset(std::vector<int64_t> row_ids, Lease lease,
-                                            Liveness alive);
+// The recordset of a prepared query, with its first row current: a dynaset if it was prepared as
+// one. The others are read when they are looked at.
+std::unique_ptr<dao::Recordset> OpenRows(Storage& storage, Lease lease,
+                                         std::vector<Variant> literals, Liveness alive);
 
 }  // namespace ambrelio::embedded

@@ -2,6 +2,13 @@
 
 namespace ambrelio::embedded {
 
+void BindLiterals(StorageStatement& statement, const std::vector<Variant>& literals) {
+  const int wanted = sqlite3_bind_parameter_count(statement.raw());
+  for (int i = 0; i < wanted && i < static_cast<int>(literals.size()); ++i) {
+    statement.Bind(i + 1, literals[static_cast<size_t>(i)]);
+  }
+}
+
 void StatementCache::KeepVersion(int64_t version) {
   if (version == version_) return;
   places_.clear();
@@ -42,6 +49,7 @@ Lease::~Lease() {
   if (!prepared_) return;
   prepared_->main.Reset();
   if (prepared_->row) prepared_->row->Reset();
+  if (prepared_->last) prepared_->last->Reset();
   if (prepared_->stepwise) {
     prepared_->stepwise->values.Reset();
     for (Prepared::Target& target : prepared_->stepwise->targets) target.write.Reset();

@@ -24,6 +24,10 @@ struct Prepared {
   std::shared_ptr<const Columns> columns;  // of a query
   std::optional<StorageStatement> row;     // of a dynaset: one row by its id
   int row_parameter = 0;
+  // Delivers the last row of `main` alone; "" where that takes the whole of it. Prepared when it is
+  // first needed.
+  std::string last_sql;
+  std::optional<StorageStatement> last;
 
   // An update that goes row by row (see StepwiseUpdateSql).
   struct Target {
@@ -42,6 +46,9 @@ struct Prepared {
   std::string key;  // in the cache
   int64_t version = 0;
 };
+
+// Binds the literals of a text to the parameters that the statement has for them.
+void BindLiterals(StorageStatement& statement, const std::vector<Variant>& literals);
 
 // Hands each statement to one user at a time. The least recently used go when there are too many;
 // all go when the catalogue changes.

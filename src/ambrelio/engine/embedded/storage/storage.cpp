@@ -16,6 +16,8 @@ constexpr int kLockWaitMilliseconds = 2000;
 constexpr const char* kSettings =
     "pragma foreign_keys = off; pragma trusted_schema = off; pragma cell_size_check = on;"
     "pragma synchronous = full; pragma temp_store = memory; pragma cache_size = -16384;";
+// SQLITE_BloomFilter among the optimizations of SQLite, which its header does not publish.
+constexpr int kBloomFilter = 0x00080000;
 
 // Failures at the opening have other numbers than those of an open database.
 [[noreturn]] void RaiseOpenError(sqlite3* db, int code, const std::string& path) {
@@ -53,6 +55,7 @@ Storage::Storage(const std::string& path, int flags) : path_(path) {
 }
 
 Storage::~Storage() {
+  reads_.Abandon();
   data_version_query_.reset();
   // Whoever still holds a statement keeps the connection alive, but it shall hold no lock.
   for (sqlite3_stmt* rest = sqlite3_next_stmt(db_, nullptr); rest != nullptr;
@@ -73,6 +76,9 @@ void Storage::Configure(Access access) {
     sqlite3_db_config(db_, misfeature, 0, nullptr);
   }
   sqlite3_db_config(db_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  // A Bloom filter takes texts of different length for different, even where the collation makes
+  // them equal (SQLite 3.38 to 3.40): a join would lose rows.
+  sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, db_, kBloomFilter);
   RegisterFunctions(db_);
   sqlite3_commit_hook(
       db_,
@@ -95,6 +101,9 @@ void Storage::Configure(Access access) {
   if (code != SQLITE_OK) RaiseOpenError(db_, sqlite3_extended_errcode(db_), path_);
   read_only_ = access == Access::kReadOnly || access == Access::kExclusiveReadOnly ||
                sqlite3_db_readonly(db_, "main") == 1;
+  alone_ = access == Access::kExclusive || access == Access::kExclusiveReadOnly;
+  StorageStatement journal(db_, "pragma journal_mode");
+  has_log_ = journal.Step() && journal.Text(0) == "wal";
 }
 
 std::unique_ptr<Storage> Storage::Open(const std::string& path, Access access) {
@@ -103,6 +112,7 @@ std::unique_ptr<Storage> Storage::Open(const std::string& path, Access access) {
     std::unique_ptr<Storage> storage(new Storage(name, flags));
     storage->path_ = path;
     storage->Configure(access);
+    if (name != path) storage->alone_ = true;
     return storage;
   };
   const bool exclusive = access == Access::kExclusive || access == Access::kExclusiveReadOnly;
@@ -145,7 +155,10 @@ int64_t Storage::Changes() const { return sqlite3_changes64(db_); }
 
 bool Storage::transaction_lost() const { return level_ > 0 && sqlite3_get_autocommit(db_) != 0; }
 
+// Reads on a snapshot that is not the newest would keep level 1 from its lock; those on the newest
+// would go on in the transaction and see its writes.
 void Storage::Begin() {
+  SettleReads();
   if (!transaction_lost()) {
     if (level_ > 0) {
       Run("savepoint " + Savepoint(level_ + 1));
@@ -156,7 +169,10 @@ void Storage::Begin() {
   ++level_;
 }
 
+// Reads that were opened in the transaction would go on behind its end, at a moment that CatchUp
+// knows nothing of.
 void Storage::Commit() {
+  SettleReads();
   if (level_ == 0 || transaction_lost()) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
   if (level_ > 1) {
     Run("release " + Savepoint(level_));
@@ -169,7 +185,9 @@ void Storage::Commit() {
   --level_;
 }
 
+// What was read in the level stays as it was read.
 void Storage::Rollback() {
+  SettleReads();
   if (level_ == 0) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
   if (!transaction_lost()) {
     const std::string savepoint = Savepoint(level_);
@@ -185,7 +203,28 @@ void Storage::RollbackAll() {
   level_ = 0;
 }
 
+std::optional<LogState> Storage::SharedState() const {
+  if (alone_) return LogState{};
+  return has_log_ ? ReadLogState(db_) : std::nullopt;
+}
+
+void Storage::Register(const std::shared_ptr<OpenRead>& read) {
+  reads_.Add(read);
+  if (!SharedState()) SettleReads();
+}
+
+void Storage::CatchUp() noexcept {
+  // A transaction sees one moment from its beginning to its end.
+  if (sqlite3_get_autocommit(db_) == 0) return;
+  const std::optional<LogState> now = SharedState();
+  const bool reading = sqlite3_txn_state(db_, "main") != SQLITE_TXN_NONE;
+  if (reading && now != read_state_) SettleReads();
+  // Taken before the next reading begins: what that sees is this or newer.
+  if (now) read_state_ = *now;
+}
+
 bool Storage::ChangedByOthers() {
+  CatchUp();
   if (!data_version_query_) {
     data_version_query_ = std::make_unique<StorageStatement>(db_, "pragma data_version");
   }

@@ -7,9 +7,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "ambrelio/engine/embedded/storage/log_state.h"
+#include "ambrelio/engine/embedded/storage/open_reads.h"
 #include "ambrelio/value/variant.h"
 
 namespace ambrelio::embedded {
@@ -78,6 +81,20 @@ class Storage {
   void Rollback();
   void RollbackAll();
 
+  // Recordsets read as far as they are looked at, from statements that stay open. What such a
+  // statement will deliver is certain as long as this connection writes nothing and ends no
+  // transaction: whoever is about to has all of them read to their end first. Begin, Commit and
+  // Rollback do so themselves.
+  //
+  // A statement that stays open holds its moment of the file, and the log grows meanwhile, as no
+  // checkpoint gets past that moment. Recordsets are short-lived, and the next write here, or the
+  // next look at what others have written, ends the holding.
+  void Register(const std::shared_ptr<OpenRead>& read);
+  void SettleReads() noexcept { reads_.Settle(); }
+  // For whoever is to see the file as it is now: outside of transactions, an open read would keep
+  // the connection at an older moment. Settles the reads if anybody has committed since theirs.
+  void CatchUp() noexcept;
+
   // Whether another connection has committed anything since the last call.
   bool ChangedByOthers();
   // How often this connection has rolled back, savepoints included; for whoever keeps something in
@@ -87,6 +104,8 @@ class Storage {
  private:
   Storage(const std::string& path, int flags);
   void Configure(Access access);
+  // Nothing where commits of others cannot be noticed while a read is open.
+  std::optional<LogState> SharedState() const;
 
   sqlite3* db_ = nullptr;
   std::string path_;
@@ -96,6 +115,11 @@ class Storage {
   int64_t rollbacks_ = 0;
   int64_t data_version_ = -1;
   std::unique_ptr<StorageStatement> data_version_query_;
+  OpenReads reads_;
+  bool has_log_ = false;
+  bool alone_ = false;  // nobody else can write
+  // No newer than what the open reads outside of transactions see.
+  LogState read_state_ = {};
 };
 
 // The rules of a column stand in its storage table as named checks, `<rule>:<field>`; a broken one

@@ -29,6 +29,19 @@ std::string RowIdIs(const TableInfo& table, int parameter) {
   return QuoteName(RowIdName(table)) + " = ?" + std::to_string(parameter);
 }
 
+// Whether the keys that the query lends to the one around it (see AppendKeys) tell its rows apart.
+bool KeysTellApart(const bound::Query& query) {
+  if (!query.select) return !query.union_all;
+  if (query.select->grouped || query.select->distinct) return true;
+  bool all = true;
+  for (const Source& source : query.select->from) {
+    bound::ForEachLeaf(source, [&](const Source& leaf) {
+      if (leaf.query && !KeysTellApart(*leaf.query)) all = false;
+    });
+  }
+  return all;
+}
+
 const char* OnConflict(bool strict) { return strict ? "" : "OR IGNORE "; }
 
 // An output column of the query that stands in FROM without a name.
@@ -42,6 +55,16 @@ bound::ExprPtr NthOutput(size_t index, ValueType type) {
 }  // namespace
 
 std::string TranslateQuery(const bound::Query& query) { return SqlWriter().Ordered(query); }
+
+bool CanTurnRound(const bound::Query& query) {
+  if (!query.select) return false;
+  const bound::Select& select = *query.select;
+  return !select.grouped && !select.distinct && !select.top && KeysTellApart(query);
+}
+
+void TurnRound(bound::Query& query) {
+  for (bound::OrderKey& key : query.order) key.descending = !key.descending;
+}
 
 bool IsDynaset(const bound::Query& query) {
   if (!query.select) return false;

@@ -15,6 +15,13 @@ namespace ambrelio::embedded {
 // The rows of a query, in its order.
 std::string TranslateQuery(const bound::Query& query);
 
+// Whether the query's last row is the first one of the opposite order, and found that way sooner
+// than by reading all rows: its order decides between any two of them, and it needs not know all of
+// them for the first. To be asked before the query is planned, which does not change the answer.
+bool CanTurnRound(const bound::Query& query);
+// Gives the query the opposite order.
+void TurnRound(bound::Query& query);
+
 // A select over one table whose rows can be read again one by one.
 struct DynasetSql {
   std::string rows;  // the row ids of the set, in its order

@@ -1,0 +1,26 @@
+#include "ambrelio/engine/embedded/storage/log_state.h"
+
+namespace ambrelio::embedded {
+
+std::optional<LogState> ReadLogState(sqlite3* db) {
+  // The index is shared memory in regions of this size, and begins with the header ("The WAL-Index
+  // File Format" of SQLite's documents).
+  constexpr int kRegionSize = 32768;
+  sqlite3_file* file = nullptr;
+  const int code =
+      sqlite3_file_control(db, "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file));
+  if (code != SQLITE_OK || file == nullptr || file->pMethods == nullptr ||
+      file->pMethods->iVersion < 2) {
+    return std::nullopt;
+  }
+  volatile void* region = nullptr;
+  file->pMethods->xShmMap(file, 0, kRegionSize, 0, &region);
+  if (region == nullptr) return std::nullopt;
+  file->pMethods->xShmBarrier(file);
+  const auto* const header = static_cast<const volatile uint32_t*>(region);
+  LogState state;
+  for (size_t i = 0; i < state.size(); ++i) state[i] = header[i];
+  return state;
+}
+
+}  // namespace ambrelio::embedded
