@@ -6,8 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/platform/clock.h"
-#include "ambrelio/platform/text_encoding.h"
 #include "arguments.h"
 #include "failure.h"
 #include "statement.h"

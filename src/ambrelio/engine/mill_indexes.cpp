@@ -2,6 +2,8 @@
 
 namespace ambrelio::engine {
 
+// An index by time ends with the columns that decide between equal times, so that the last row is
+// found without sorting.
 const embedded::KeptIndexes& MillIndexes() {
   static const embedded::KeptIndexes indexes = {
       // The weighings of a discharge, and the shares moved into it.
@@ -11,17 +13,20 @@ const embedded::KeptIndexes& MillIndexes() {
       {"splitDescar", {"tolva", "descarga"}, ""},
       // Shares that have become a whole or nothing, which every re-assignment looks for.
       {"splitDescar", {"fraccion"}, "fraccion >= 0.999 OR fraccion < 0.001"},
-      // The discharges of a hopper, of a tank, of some days.
+      // The discharges of a hopper; those of a tank by time; of some days; fractions become dust.
       {"Descargas", {"Tolva", "Descarga"}, ""},
-      {"Descargas", {"Deposito"}, ""},
+      {"Descargas", {"Deposito", "MomentoHasta", "Tolva", "Descarga"}, ""},
       {"Descargas", {"MomentoHasta"}, ""},
-      // The readings of a tank by number and by time, and of some days.
+      {"Descargas", {"Fraccion"}, ""},
+      // The readings of a tank by number and by time; of some days.
       {"Niveles", {"Deposito", "Item"}, ""},
-      {"Niveles", {"Deposito", "Momento"}, ""},
+      {"Niveles", {"Deposito", "Momento", "Item"}, ""},
       {"Niveles", {"Momento"}, ""},
-      // The emptyings of a tank, into a tank, of some days, of a client.
+      // The emptyings of a tank by number and by time; into a tank by time; of some days; of a
+      // client.
       {"Vaciados", {"Deposito", "Vaciado"}, ""},
-      {"Vaciados", {"Destino"}, ""},
+      {"Vaciados", {"Deposito", "mmto", "Vaciado"}, ""},
+      {"Vaciados", {"Destino", "mmto", "Deposito", "Vaciado"}, ""},
       {"Vaciados", {"mmto"}, ""},
       {"Vaciados", {"Cliente", "mmto"}, ""},
       {"detVaciados", {"Deposito", "Vaciado"}, ""},

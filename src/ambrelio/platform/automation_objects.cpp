@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ambrelio/platform/text_encoding.h"
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {

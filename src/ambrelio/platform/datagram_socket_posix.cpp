@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
+#include "ambrelio/platform/characters.h"
 #include "ambrelio/platform/datagram_socket.h"
 #include "ambrelio/platform/socket_error.h"
-#include "ambrelio/platform/text_encoding.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {

@@ -1,4 +1,4 @@
-// Runs the files of cases/ (see sql_cases.h).
+// Runs the files of cases/ (see sql_cases.h), with all rewrites of the planner and with none.
 #include "sql_cases.h"
 
 #include <gtest/gtest.h>
@@ -111,7 +111,24 @@ std::string Joined(const std::vector<std::string>& lines) {
 
 class SqlCases : public test::EngineTest, public testing::WithParamInterface<SqlCase> {
  protected:
-  SqlCases() : database_(Create()) {}
+  void HoldUnder(const PlanOptions& plan) {
+    engine_ = CreateEngine(plan);
+    database_ = Create();
+    for (const SqlStep& step : GetParam().steps) Hold(step);
+  }
+
+ private:
+  void Hold(const SqlStep& step) {
+    const std::vector<std::string> got = Run(step);
+    const bool failed = !got.empty() && got[0].compare(0, 6, "error ") == 0;
+    if (step.expected.empty()) {
+      EXPECT_FALSE(failed) << GetParam().file << ".txt:" << step.line << " " << step.text << "\n"
+                           << Joined(got);
+    } else {
+      EXPECT_EQ(Joined(got), Joined(step.expected))
+          << GetParam().file << ".txt:" << step.line << " " << step.text;
+    }
+  }
 
   std::vector<std::string> Run(const SqlStep& step) {
     try {
@@ -128,7 +145,6 @@ class SqlCases : public test::EngineTest, public testing::WithParamInterface<Sql
     }
   }
 
- private:
   static bool IsSelect(const std::string& text) {
     return text.compare(0, 6, "select") == 0 || text[0] == '(' ||
            text.find(' ') == std::string::npos;
@@ -166,19 +182,9 @@ class SqlCases : public test::EngineTest, public testing::WithParamInterface<Sql
   std::shared_ptr<dao::Database> database_;
 };
 
-TEST_P(SqlCases, Hold) {
-  for (const SqlStep& step : GetParam().steps) {
-    const std::vector<std::string> got = Run(step);
-    const bool failed = !got.empty() && got[0].compare(0, 6, "error ") == 0;
-    if (step.expected.empty()) {
-      EXPECT_FALSE(failed) << GetParam().file << ".txt:" << step.line << " " << step.text << "\n"
-                           << Joined(got);
-    } else {
-      EXPECT_EQ(Joined(got), Joined(step.expected))
-          << GetParam().file << ".txt:" << step.line << " " << step.text;
-    }
-  }
-}
+TEST_P(SqlCases, Hold) { HoldUnder(PlanOptions()); }
+
+TEST_P(SqlCases, HoldWithoutRewrites) { HoldUnder(PlanOptions::Without("all")); }
 
 std::string TestName(const testing::TestParamInfo<SqlCase>& info) {
   std::string name;

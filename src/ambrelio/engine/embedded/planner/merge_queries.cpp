@@ -19,7 +19,7 @@ namespace {
 bool ChoosesOnly(const Query& query) {
   if (!query.select) return false;
   const Select& select = *query.select;
-  return !select.grouped && !select.distinct && !select.top;
+  return !select.from.empty() && !select.grouped && !select.distinct && !select.top;
 }
 
 bool ArePlain(const std::vector<ExprPtr>& columns) {
@@ -42,7 +42,7 @@ Source Crossed(std::vector<Source> sources) {
 
 class Merger {
  public:
-  explicit Merger(Query& query) : query_(query) {}
+  Merger(Query& query, int& next_source) : query_(query), next_source_(next_source) {}
 
   void Run() {
     for (Source& source : query_.select->from) Visit(source, nullptr);
@@ -74,14 +74,16 @@ class Merger {
       if (expr->kind != ExprKind::kColumn || expr->column.source != id) return;
       const auto& named = expr->column.part == ColumnPart::kKey ? select.keys : select.items;
       expr = bound::Clone(*named[static_cast<size_t>(expr->column.index)]);
+      Renumber(expr, next_source_);
     });
   }
 
   Query& query_;
+  int& next_source_;
 };
 
 }  // namespace
 
-void MergeQueries(Query& query) { Merger(query).Run(); }
+void MergeQueries(Query& query, int& next_source) { Merger(query, next_source).Run(); }
 
 }  // namespace ambrelio::embedded::planner

@@ -41,12 +41,13 @@ class Planner {
   void Run(Query& query, int splits) {
     if (query.select) {
       if (options_.inner_joins) planner::MakeJoinsInner(*query.select);
-      if (options_.merged_queries) planner::MergeQueries(query);
+      if (options_.merged_queries) planner::MergeQueries(query, next_source_);
       // What has come up may decide about more joins.
       if (options_.inner_joins) planner::MakeJoinsInner(*query.select);
       while (options_.split_joins && splits > 0 && planner::SplitJoin(query, next_source_)) {
         --splits;
       }
+      planner::DropConstantKeys(query);
     }
     planner::ForEachQueryBelow(query, [&](Query& below) { Run(below, splits); });
   }

@@ -11,13 +11,18 @@ void MakeJoinsInner(bound::Select& select);
 
 // A query in the from clause that only chooses rows and computes columns gives way to its own
 // sources. Within the optional side of an outer join that goes for queries whose columns are plain:
-// computed ones need not be Null where there is no partner.
-void MergeQueries(bound::Query& query);
+// computed ones need not be Null where there is no partner. Copies of what it computes take numbers
+// for their sources from `next_source` on.
+void MergeQueries(bound::Query& query, int& next_source);
 
 // A left join with one table on its right, whose columns stand under null-tests, is taken apart:
 // into the rows with a partner and those without. In each the tests are known; a branch whose
-// conditions cannot hold goes, and the rows of two branches come together in a union, a source of
-// number `next_source`. False when there was nothing to split.
+// conditions cannot hold goes, and the rows of two branches come together in a union. New sources
+// take numbers from `next_source` on. False when there was nothing to split.
 bool SplitJoin(bound::Query& query, int& next_source);
+
+// What a rewrite has made the same in every row neither orders nor groups any longer. (A number
+// there would be taken for the place of a column.)
+void DropConstantKeys(bound::Query& query);
 
 }  // namespace ambrelio::embedded::planner

@@ -183,14 +183,16 @@ Query RowsOf(Query& query, const std::vector<ExprPtr>& columns) {
   return rows;
 }
 
-// The query over a union of the two branches, in a source of number `id`.
-void ReadFromBranches(Query& query, int id) {
+// The query over a union of the two branches, in a source of the next number.
+void ReadFromBranches(Query& query, int& next_source) {
+  const int id = next_source++;
   Outlet outlet(*query.select);
   ForEachDelivered(query, [&](ExprPtr& expr) { outlet.Redirect(expr, id); });
   const Query rows = RowsOf(query, outlet.columns());
   auto both = std::make_unique<Query>();
   both->left = WithPartner(rows);
   both->right = WithoutPartner(rows);
+  Renumber(*both->right, next_source);
   both->union_all = true;
   both->columns = rows.columns;
   Source source;
@@ -213,7 +215,7 @@ bool SplitJoin(Query& query, int& next_source) {
   } else if (!CanHold(*without)) {
     query = std::move(*with);
   } else {
-    ReadFromBranches(query, next_source++);
+    ReadFromBranches(query, next_source);
   }
   return true;
 }

@@ -1,6 +1,7 @@
 #include "ambrelio/engine/embedded/planner/tree_walk.h"
 
 #include <algorithm>
+#include <map>
 
 namespace ambrelio::embedded::planner {
 
@@ -70,6 +71,45 @@ void ForEachQueryBelow(Query& query, const std::function<void(Query&)>& visit) {
   ForEachDelivered(query, [&](ExprPtr& expr) { ForEachQueryIn(*expr, visit); });
   for (Source& source : query.select->from) ForEachQueryIn(source, visit);
   if (query.select->where) ForEachQueryIn(*query.select->where, visit);
+}
+
+namespace {
+
+using NewNumbers = std::map<int, int>;
+
+void RenumberSources(Query& query, int& next_source, NewNumbers& numbers) {
+  if (query.select) {
+    for (Source& source : query.select->from) {
+      bound::ForEachLeaf(source, [&](Source& leaf) {
+        const auto [number, added] = numbers.try_emplace(leaf.id, next_source);
+        if (added) ++next_source;
+        leaf.id = number->second;
+      });
+    }
+  }
+  ForEachQueryBelow(query, [&](Query& below) { RenumberSources(below, next_source, numbers); });
+}
+
+Rewrite ReferTo(const NewNumbers& numbers) {
+  return [&numbers](const ExprPtr& expr) {
+    if (expr->kind != ExprKind::kColumn) return;
+    const auto number = numbers.find(expr->column.source);
+    if (number != numbers.end()) expr->column.source = number->second;
+  };
+}
+
+}  // namespace
+
+void Renumber(Query& query, int& next_source) {
+  NewNumbers numbers;
+  RenumberSources(query, next_source, numbers);
+  RewriteAll(query, ReferTo(numbers));
+}
+
+void Renumber(ExprPtr& expr, int& next_source) {
+  NewNumbers numbers;
+  ForEachQueryIn(*expr, [&](Query& below) { RenumberSources(below, next_source, numbers); });
+  if (!numbers.empty()) RewriteAll(expr, ReferTo(numbers));
 }
 
 std::vector<const Expr*> Terms(const ExprPtr& condition) {

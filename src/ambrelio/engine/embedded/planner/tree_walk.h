@@ -33,6 +33,11 @@ void ForEachDelivered(bound::Query& query, const Visit& visit) {
 // expressions, and the sides of a union.
 void ForEachQueryBelow(bound::Query& query, const std::function<void(bound::Query&)>& visit);
 
+// Gives the sources of the queries, of copies of others that stand in the tree too, numbers of
+// their own from `next_source` on.
+void Renumber(bound::Query& query, int& next_source);
+void Renumber(bound::ExprPtr& expr, int& next_source);
+
 // The terms that are joined by `and`, and back.
 std::vector<const bound::Expr*> Terms(const bound::ExprPtr& condition);
 

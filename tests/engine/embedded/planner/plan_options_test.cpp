@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "ambrelio/engine/embedded/planner/planner.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+// The environment's variable as it is now, put back in the end.
+class ScopedVariable {
+ public:
+  explicit ScopedVariable(const char* value) {
+    if (const char* text = std::getenv(kName)) before_ = text;
+    Set(value);
+  }
+  ~ScopedVariable() { Set(before_ ? before_->c_str() : nullptr); }
+  ScopedVariable(const ScopedVariable&) = delete;
+  ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+ private:
+  static constexpr const char* kName = "AMBRELIO_WITHOUT_REWRITES";
+
+  static void Set(const char* value) {
+    if (value == nullptr) {
+      unsetenv(kName);
+    } else {
+      setenv(kName, value, 1);
+    }
+  }
+
+  std::optional<std::string> before_;
+};
+
+// The rewrites that are made, by their first letters.
+std::string Made(const PlanOptions& options) {
+  return std::string(options.inner_joins ? "i" : "") + (options.merged_queries ? "m" : "") +
+         (options.split_joins ? "s" : "");
+}
+
+TEST(PlanOptions, MakeEachRewriteUnlessTold) {
+  EXPECT_EQ(Made(PlanOptions()), "ims");
+  EXPECT_EQ(Made(PlanOptions::Without("")), "ims");
+}
+
+TEST(PlanOptions, LeaveOutTheRewriteNamed) {
+  EXPECT_EQ(Made(PlanOptions::Without("inner_joins")), "ms");
+  EXPECT_EQ(Made(PlanOptions::Without("merged_queries")), "is");
+  EXPECT_EQ(Made(PlanOptions::Without("split_joins")), "im");
+}
+
+TEST(PlanOptions, LeaveOutEveryRewriteOfTheList) {
+  EXPECT_EQ(Made(PlanOptions::Without("split_joins,inner_joins")), "m");
+  EXPECT_EQ(Made(PlanOptions::Without("inner_joins,merged_queries,split_joins")), "");
+}
+
+TEST(PlanOptions, LeaveOutAll) {
+  EXPECT_EQ(Made(PlanOptions::Without("all")), "");
+  EXPECT_EQ(Made(PlanOptions::Without("inner_joins,all")), "");
+}
+
+TEST(PlanOptions, PassOverNamesThatAreNone) {
+  EXPECT_EQ(Made(PlanOptions::Without("joins")), "ims");
+  EXPECT_EQ(Made(PlanOptions::Without("inner_join,inner_joinss,INNER_JOINS")), "ims");
+  EXPECT_EQ(Made(PlanOptions::Without(",joins,,split_joins,")), "im");
+}
+
+TEST(PlanOptions, AreWhatTheEnvironmentLeaves) {
+  const ScopedVariable variable("merged_queries");
+  EXPECT_EQ(Made(PlanOptions::FromEnvironment()), "is");
+}
+
+TEST(PlanOptions, AreAllWhereTheEnvironmentSaysNothing) {
+  const ScopedVariable variable(nullptr);
+  EXPECT_EQ(Made(PlanOptions::FromEnvironment()), "ims");
+}
+
+}  // namespace
+}  // namespace ambrelio::embedded
