@@ -106,7 +106,7 @@ std::string SqlWriter::Top(const bound::Query& query, const Wanted& wanted) {
     rows.order = true;
     const std::string text = Select(query, rows);
     if (!select.top_percent) return text + " LIMIT " + count;
-    return text + " LIMIT (SELECT " + share("count(*)") + " FROM (" + Unordered(query) + "))";
+    return text + " LIMIT (SELECT " + share("count(*)") + " FROM (" + Select(query, {}) + "))";
   }
   const std::string full_order = OrderBy(query.order);
   std::string stated_order;
