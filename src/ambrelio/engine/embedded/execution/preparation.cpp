@@ -79,6 +79,7 @@ Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGro
     result.prepared = PrepareText(storage, sql.rows);
     result.prepared->row.emplace(storage.raw(), sql.row);
     result.prepared->row_parameter = row_parameter;
+    result.prepared->values_follow = sql.values_follow;
   } else {
     result.prepared = PrepareText(storage, TranslateQuery(query));
   }

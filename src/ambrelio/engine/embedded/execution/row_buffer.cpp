@@ -10,8 +10,9 @@
 
 namespace ambrelio::embedded {
 
-void RowBuffer::Append(const StorageStatement& statement) {
-  for (int i = 0; i < static_cast<int>(columns_->size()); ++i) {
+void RowBuffer::Append(const StorageStatement& statement, int first) {
+  const int end = first + static_cast<int>(columns_->size());
+  for (int i = first; i < end; ++i) {
     Cell& cell = cells_.emplace_back();
     switch (sqlite3_column_type(statement.raw(), i)) {
       case SQLITE_INTEGER:

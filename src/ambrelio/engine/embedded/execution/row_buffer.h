@@ -19,8 +19,8 @@ class RowBuffer {
  public:
   explicit RowBuffer(std::shared_ptr<const Columns> columns) : columns_(std::move(columns)) {}
 
-  // Takes in the statement's current row.
-  void Append(const StorageStatement& statement);
+  // Takes in the statement's current row, from its column `first` on.
+  void Append(const StorageStatement& statement, int first = 0);
   void Clear();
   size_t Count() const { return columns_->empty() ? 0 : cells_.size() / columns_->size(); }
 

@@ -103,7 +103,13 @@ class DynasetRows final : public Rows {
       : Rows(storage, std::move(lease), std::move(literals)), current_((*lease_)->columns) {}
 
   void MakeCurrent(std::optional<int64_t> place) override {
-    Read(place ? row_ids_[static_cast<size_t>(*place)] : last_);
+    storage_.CatchUp();
+    current_.Clear();
+    if (place && StandsAt(*place)) {
+      current_.Append((*lease_)->main, 1);
+    } else {
+      Read(place ? row_ids_[static_cast<size_t>(*place)] : last_);
+    }
   }
   Variant Value(size_t column) const override {
     if (current_.Count() == 0) dao::Raise(dao::DaoError::kRecordDeleted, "DAO.Recordset");
@@ -117,9 +123,13 @@ class DynasetRows final : public Rows {
   }
   void KeepLast(const StorageStatement& statement) override { last_ = statement.Integer(0); }
 
+  // Whether the open statement holds the values of that row as they are now: nobody has written
+  // since it stepped there, or it would not be open.
+  bool StandsAt(int64_t place) const {
+    return open() && (*lease_)->values_follow && static_cast<size_t>(place) + 1 == row_ids_.size();
+  }
+
   void Read(int64_t id) {
-    current_.Clear();
-    storage_.CatchUp();
     StorageStatement& statement = *(*lease_)->row;
     statement.Bind((*lease_)->row_parameter, id);
     if (statement.Step()) current_.Append(statement);

@@ -24,6 +24,7 @@ struct Prepared {
   std::shared_ptr<const Columns> columns;  // of a query
   std::optional<StorageStatement> row;     // of a dynaset: one row by its id
   int row_parameter = 0;
+  bool values_follow = false;  // of a dynaset: `main` gives the values behind the row id
   // Delivers the last row of `main` alone; "" where that takes the whole of it. Prepared when it is
   // first needed.
   std::string last_sql;

@@ -78,8 +78,14 @@ DynasetSql TranslateDynaset(const bound::Query& query, int row_parameter) {
   const Source& source = select.from[0];
   DynasetSql sql;
   SqlWriter rows;
-  sql.rows = "SELECT " + RowIdValue(rows, source) + rows.FromWhere(select.from, select.where) +
-             rows.OrderBy(query.order);
+  sql.rows = "SELECT " + RowIdValue(rows, source);
+  sql.values_follow = std::all_of(
+      select.items.begin(), select.items.end(),
+      [](const bound::ExprPtr& item) { return item->kind == bound::ExprKind::kColumn; });
+  if (sql.values_follow) {
+    for (const bound::ExprPtr& item : select.items) sql.rows += ", " + rows.Value(*item);
+  }
+  sql.rows += rows.FromWhere(select.from, select.where) + rows.OrderBy(query.order);
   SqlWriter row;
   for (const bound::ExprPtr& item : select.items) {
     sql.row += (sql.row.empty() ? "SELECT " : ", ") + row.Value(*item);

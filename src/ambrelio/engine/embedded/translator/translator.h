@@ -24,8 +24,11 @@ void TurnRound(bound::Query& query);
 
 // A select over one table whose rows can be read again one by one.
 struct DynasetSql {
-  std::string rows;  // the row ids of the set, in its order
-  std::string row;   // the values of the row whose id is parameter `row_parameter`
+  // The row ids of the set, in its order; behind each the values, unless one of them is computed
+  // and could fail for a row that nobody looks at.
+  std::string rows;
+  bool values_follow = false;
+  std::string row;  // the values of the row whose id is parameter `row_parameter`
 };
 // Whether the query is such a select.
 bool IsDynaset(const bound::Query& query);
