@@ -465,5 +465,22 @@ TEST_F(PlannerTest, WhatIsTooDeepForTheStorageWhenPlannedIsPreparedAsItStands) {
   EXPECT_THAT(Rows("select n from B"), testing::ElementsAre("37"));
 }
 
+// An update goes through its own sources, and its order and its targets stay; only the join
+// changes.
+TEST_F(PlannerTest, TheJoinOfAnUpdateBecomesInnerWhereTheMissingSideIsRefused) {
+  const auto rows_of = [&](const std::string& where, const PlanOptions& options) {
+    BoundStatement bound =
+        Bind(sql::Parse("update (select * from A left join B on A.k = B.k where " + where +
+                        ") set A.n = B.n"),
+             store_.Current());
+    Plan(bound.statement, options);
+    return TranslateStepwise(std::get<bound::Update>(bound.statement), false, 1).rows;
+  };
+  EXPECT_THAT(rows_of("B.n >= 0.5", {}), Not(HasSubstr("LEFT JOIN")));
+  EXPECT_THAT(rows_of("B.n >= 0.5", PlanOptions::Without("inner_joins")), HasSubstr("LEFT JOIN"));
+  EXPECT_THAT(rows_of("A.n >= 0.5", {}), HasSubstr("LEFT JOIN"));
+  EXPECT_THAT(rows_of("isnull(B.n)", {}), HasSubstr("LEFT JOIN"));
+}
+
 }  // namespace
 }  // namespace ambrelio::embedded

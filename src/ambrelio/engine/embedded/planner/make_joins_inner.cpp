@@ -51,9 +51,9 @@ void Visit(Source& source, const Filters& filters) {
 
 }  // namespace
 
-void MakeJoinsInner(bound::Select& select) {
-  const Filters filters = With({}, select.where);
-  for (Source& source : select.from) Visit(source, filters);
+void MakeJoinsInner(std::vector<Source>& from, const bound::ExprPtr& where) {
+  const Filters filters = With({}, where);
+  for (Source& source : from) Visit(source, filters);
 }
 
 }  // namespace ambrelio::embedded::planner

@@ -40,10 +40,10 @@ class Planner {
 
   void Run(Query& query, int splits) {
     if (query.select) {
-      if (options_.inner_joins) planner::MakeJoinsInner(*query.select);
+      if (options_.inner_joins) planner::MakeJoinsInner(query.select->from, query.select->where);
       if (options_.merged_queries) planner::MergeQueries(query, next_source_);
       // What has come up may decide about more joins.
-      if (options_.inner_joins) planner::MakeJoinsInner(*query.select);
+      if (options_.inner_joins) planner::MakeJoinsInner(query.select->from, query.select->where);
       while (options_.split_joins && splits > 0 && planner::SplitJoin(query, next_source_)) {
         --splits;
       }
@@ -84,10 +84,18 @@ struct ForEachQuery {
   void operator()(bound::Delete& statement) const { ForEachQueryOf(statement.where, visit); }
 };
 
-const std::vector<Source>* SourcesWritten(const bound::Statement& statement) {
-  if (const auto* update = std::get_if<bound::Update>(&statement)) return &update->from;
-  if (const auto* removal = std::get_if<bound::Delete>(&statement)) return &removal->from;
-  return nullptr;
+// The rows that an update or delete goes through; nothing for other statements.
+struct Walked {
+  std::vector<Source>* from = nullptr;
+  const ExprPtr* where = nullptr;
+};
+
+Walked WalkedBy(bound::Statement& statement) {
+  if (auto* update = std::get_if<bound::Update>(&statement)) return {&update->from, &update->where};
+  if (auto* removal = std::get_if<bound::Delete>(&statement)) {
+    return {&removal->from, &removal->where};
+  }
+  return {};
 }
 
 }  // namespace
@@ -98,8 +106,9 @@ void Plan(Query& query, const PlanOptions& options) {
 
 void Plan(bound::Statement& statement, const PlanOptions& options) {
   int last = 0;
-  if (const auto* sources = SourcesWritten(statement)) {
-    for (const Source& source : *sources) {
+  if (const Walked walked = WalkedBy(statement); walked.from != nullptr) {
+    if (options.inner_joins) planner::MakeJoinsInner(*walked.from, *walked.where);
+    for (const Source& source : *walked.from) {
       bound::ForEachLeaf(source, [&](const Source& leaf) { last = std::max(last, leaf.id); });
     }
   }

@@ -1,13 +1,15 @@
 // The rewrites, each on one select; those below it are planned by themselves.
 #pragma once
 
+#include <vector>
+
 #include "ambrelio/engine/embedded/binder/bound_tree.h"
 
 namespace ambrelio::embedded::planner {
 
 // An outer join becomes an inner one when no row that it completes with Nulls can pass the
 // conditions around it.
-void MakeJoinsInner(bound::Select& select);
+void MakeJoinsInner(std::vector<bound::Source>& from, const bound::ExprPtr& where);
 
 // A query in the from clause that only chooses rows and computes columns gives way to its own
 // sources. Within the optional side of an outer join that goes for queries whose columns are plain:
