@@ -118,6 +118,8 @@ class Workspace final : public dao::Workspace {
     real().Rollback();
     --probe_->level;
   }
+  void BeginStretch() override { real().BeginStretch(); }
+  void EndStretch() override { real().EndStretch(); }
 
  private:
   dao::Workspace& real() { return real_.DefaultWorkspace(); }

@@ -89,6 +89,12 @@ class Workspace {
   virtual void BeginTrans() = 0;
   virtual void CommitTrans() = 0;
   virtual void Rollback() = 0;
+
+  // What is written until EndStretch is waited for as a whole when that returns, and not statement
+  // by statement; each is carried out, and seen by others, at once all the same. For an engine that
+  // does not wait for the disk at each statement there is nothing to do.
+  virtual void BeginStretch() {}
+  virtual void EndStretch() {}
 };
 
 class DBEngine {

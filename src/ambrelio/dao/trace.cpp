@@ -182,6 +182,8 @@ class TracedWorkspace : public Workspace {
     inner_.Rollback();
     log_->LeaveLevel();
   }
+  void BeginStretch() override { inner_.BeginStretch(); }
+  void EndStretch() override { inner_.EndStretch(); }
 
  private:
   Workspace& inner_;

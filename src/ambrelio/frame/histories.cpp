@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ambrelio/data/sql_text.h"
+#include "ambrelio/data/stretch.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/referents/catalogue.h"
 #include "ambrelio/value/automation_error.h"
@@ -123,11 +124,13 @@ Variant SaleDestinations(Session& session) {
 }
 
 void StartSeason(Session& session) {
-  for (const char* statement :
-       {"delete from split", "delete from splitDescar", "delete from Descargas",
-        "delete from Vaciados", "delete from Niveles"}) {
-    session.Database().Execute(statement);
-  }
+  data::InOneStretch(session, [&session] {
+    for (const char* statement :
+         {"delete from split", "delete from splitDescar", "delete from Descargas",
+          "delete from Vaciados", "delete from Niveles"}) {
+      session.Database().Execute(statement);
+    }
+  });
 }
 
 }  // namespace ambrelio::frame

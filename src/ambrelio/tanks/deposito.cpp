@@ -5,6 +5,7 @@
 #include "ambrelio/composition/composition.h"
 #include "ambrelio/data/queries.h"
 #include "ambrelio/data/sql_text.h"
+#include "ambrelio/data/stretch.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/tanks/history.h"
 #include "ambrelio/tanks/lists.h"
@@ -79,14 +80,16 @@ Variant Deposito::Formula() {
 }
 
 void Deposito::SetFormula(const Variant& rows) {
-  session_.Database().Execute("delete from Capacidad where Deposito=" + TankText());
-  if (!rows.is_array()) return;
-  tanks::RequireCountable(rows.array());
-  const std::string insert = "insert into Capacidad (Deposito, Nivel, A0, A1, A2, A3) values (" +
-                             TankText() + ", @N, @1, @2, @3, @4) ";
-  for (const Variant& band : rows.array()) {
-    if (band.is_array()) session_.Database().Execute(BandInsert(insert, band));
-  }
+  data::InOneStretch(session_, [&] {
+    session_.Database().Execute("delete from Capacidad where Deposito=" + TankText());
+    if (!rows.is_array()) return;
+    tanks::RequireCountable(rows.array());
+    const std::string insert = "insert into Capacidad (Deposito, Nivel, A0, A1, A2, A3) values (" +
+                               TankText() + ", @N, @1, @2, @3, @4) ";
+    for (const Variant& band : rows.array()) {
+      if (band.is_array()) session_.Database().Execute(BandInsert(insert, band));
+    }
+  });
 }
 
 double Deposito::Capacidad(int32_t h) {

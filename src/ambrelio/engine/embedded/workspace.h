@@ -25,6 +25,8 @@ class Workspace final : public dao::Workspace {
   void BeginTrans() override { transactions_->Begin(); }
   void CommitTrans() override { transactions_->Commit(); }
   void Rollback() override { transactions_->Rollback(); }
+  void BeginStretch() override { transactions_->BeginStretch(); }
+  void EndStretch() override { transactions_->EndStretch(); }
 
  private:
   std::shared_ptr<dao::Database> Connect(std::unique_ptr<Storage> storage,

@@ -200,6 +200,23 @@ void Storage::Rollback() {
   --level_;
 }
 
+void Storage::PutOffWaiting() {
+  if (waiting_put_off_ || level_ > 0 || !has_log_ || read_only_) return;
+  Run("pragma synchronous = normal");
+  waiting_put_off_ = true;
+}
+
+void Storage::WaitForAll() {
+  if (!waiting_put_off_) return;
+  waiting_put_off_ = false;
+  Run("pragma synchronous = full");
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(db_, "main", SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
+  if (log == nullptr || log->pMethods == nullptr) return;  // nothing was written
+  const int code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+  if (code != SQLITE_OK) RaiseStorageError(db_, SQLITE_IOERR_FSYNC);
+}
+
 void Storage::RollbackAll() {
   if (level_ == 0) return;
   if (!transaction_lost()) sqlite3_exec(db_, "rollback", nullptr, nullptr, nullptr);

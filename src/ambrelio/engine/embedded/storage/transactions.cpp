@@ -53,6 +53,14 @@ void Transactions::Commit() {
   --level_;
 }
 
+void Transactions::BeginStretch() {
+  for (Storage* const storage : storages_) storage->PutOffWaiting();
+}
+
+void Transactions::EndStretch() {
+  for (Storage* const storage : storages_) storage->WaitForAll();
+}
+
 void Transactions::Rollback() {
   if (level_ == 0) dao::Raise(DaoError::kNoTransaction, kSource);
   for (Storage* const storage : storages_) storage->Rollback();

@@ -18,6 +18,8 @@ class Transactions {
   void Begin();
   void Commit();
   void Rollback();
+  void BeginStretch();
+  void EndStretch();
 
  private:
   std::vector<Storage*> storages_;

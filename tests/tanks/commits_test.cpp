@@ -1,0 +1,69 @@
+// What a call of the host costs: one wait for the disk, however many statements it takes.
+#include <gmock/gmock.h>
+
+#include "ambrelio/hoppers/tolva.h"
+#include "ambrelio/tanks/deposito.h"
+#include "support/counted_files.h"
+#include "support/mill.h"
+#include "tank_test.h"
+
+namespace ambrelio {
+namespace {
+
+// There before the mill's files are opened, and until they are closed.
+struct Counting {
+  test::CountedFiles files;
+};
+
+class Commits : public Counting, public test::MillTest {
+ protected:
+  int WaitsOf(const std::function<void()>& call) {
+    files.Waits();
+    call();
+    return files.Waits();
+  }
+};
+
+TEST_F(Commits, ACallThatWritesWaitsOnce) {
+  Weigh({});
+  double all = 1;
+  EXPECT_EQ(WaitsOf([&] { root.Tolva(1)->Descargar(3, 1, all); }), 1);
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->EntradaNivel(Variant(), int16_t{0}, 500.0); }), 1);
+  double litres = 100;
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->NuevoVaciado(5, litres); }), 1);
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->DeshacerVaciado(); }), 1);
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+}
+
+TEST_F(Commits, AListOfStatementsWithoutATransactionWaitsOnce) {
+  const Variant band = Variant::Array{10.0, 1.0, 2.0, 3.0, 4.0};
+  const Variant other = Variant::Array{20.0, 1.0, 2.0, 3.0, 4.0};
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetFormula(Variant::Array{band, other}); }), 1);
+  Weigh({});
+  double all = 1;
+  root.Tolva(1)->Descargar(3, 1, all);
+  EXPECT_EQ(WaitsOf([&] { root.IniciarCampana(); }), 1);
+}
+
+TEST_F(Commits, TheNextCallWaitsAgain) {
+  root.IniciarCampana();
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+}
+
+TEST_F(Commits, AnErrorInTheMiddleLeavesWhatWasWrittenDurable) {
+  Weigh({});
+  double all = 1;
+  root.Tolva(1)->Descargar(3, 1, all);
+  probe->events.clear();
+  probe->FailAt(4, 3218);
+  EXPECT_EQ(WaitsOf([&] { EXPECT_EQ(ErrorOf([&] { root.IniciarCampana(); }), 3218); }), 1);
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+}
+
+TEST_F(Commits, ACallThatReadsWaitsForNothing) {
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->LitrosActual(); }), 0);
+  EXPECT_EQ(WaitsOf([&] { root.HistoriaVaciados(); }), 0);
+}
+
+}  // namespace
+}  // namespace ambrelio
