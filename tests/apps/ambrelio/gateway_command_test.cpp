@@ -6,7 +6,7 @@
 #include "ambrelio/value/automation_error.h"
 #include "cli_test.h"
 #include "support/child_process.h"
-#include "support/port_pair.h"
+#include "support/udp_ports.h"
 
 namespace ambrelio::cli {
 namespace {
@@ -23,13 +23,11 @@ class GatewayCommand : public testing::Test {
                  [this](const std::string& bytes, const Endpoint&) { answers.push_back(bytes); });
   }
 
-  std::string Port() const { return std::to_string(ports.lower()); }
+  std::string Port() const { return std::to_string(port); }
 
   // Sends a datagram when so much of the loop's time has passed.
   void AskAt(Milliseconds moment, const std::string& request) {
-    events->StartTimer(moment, [this, request] {
-      client->Send({"127.0.0.1", ports.lower()}, request);
-    });
+    events->StartTimer(moment, [this, request] { client->Send({"127.0.0.1", port}, request); });
   }
 
   test::Outcome Gateway(const std::string& script, std::vector<std::string> more = {}) {
@@ -39,7 +37,7 @@ class GatewayCommand : public testing::Test {
 
   std::string Listening() const { return "listening on 127.0.0.1:" + Port() + "\n"; }
 
-  const test::PortPair ports;
+  const int32_t port = test::FreeUdpPortPair();
   test::TempFolder folder;
   ManualTicks ticks;
   std::shared_ptr<EventLoop> events = std::make_shared<EventLoop>(ticks);
@@ -141,7 +139,7 @@ TEST_F(GatewayCommand, AScriptThatCannotBeReadIsAFileProblem) {
 
 TEST_F(GatewayCommand, APortThatIsTakenIsNamed) {
   const auto other = MakeUdpSocket(*events);
-  other->Bind({"127.0.0.1", ports.lower()}, [](const std::string&, const Endpoint&) {});
+  other->Bind({"127.0.0.1", port}, [](const std::string&, const Endpoint&) {});
   const auto outcome = Gateway("");
   EXPECT_EQ(outcome.code, 1);
   EXPECT_EQ(outcome.err, "ambrelio: the gateway cannot listen on 127.0.0.1:" + Port() +
@@ -225,7 +223,7 @@ class GatewayProgram : public GatewayCommand {
     const auto socket = MakeUdpSocket(loop);
     socket->Bind({"127.0.0.1", 0},
                  [&](const std::string& bytes, const Endpoint&) { answer = bytes; });
-    socket->Send({"127.0.0.1", ports.lower()}, request);
+    socket->Send({"127.0.0.1", port}, request);
     loop.RunUntil([&] { return !answer.empty(); }, Milliseconds(10000));
     return answer;
   }

@@ -4,8 +4,8 @@
 #include "ambrelio/engine/engine.h"
 #include "cli_test.h"
 #include "support/error_of.h"
-#include "support/port_pair.h"
 #include "support/probe_engine.h"
+#include "support/udp_ports.h"
 
 namespace ambrelio::cli {
 namespace {
@@ -43,10 +43,10 @@ TEST_F(OpeningAMill, AQueryInTheWayIsAnError) {
 class SensorsOfAnother : public OpeningAMill {
  protected:
   SensorsOfAnother() {
-    const test::PortPair ports;
-    other->Bind({"127.0.0.1", ports.upper()}, [](const std::string&, const Endpoint&) {});
-    SetSensors("PortUDP", std::to_string(ports.lower()));
-    cause = "error 10048: Address in use: UDP port " + std::to_string(ports.upper());
+    const int32_t port = test::FreeUdpPortPair();
+    other->Bind({"127.0.0.1", port + 1}, [](const std::string&, const Endpoint&) {});
+    SetSensors("PortUDP", std::to_string(port));
+    cause = "error 10048: Address in use: UDP port " + std::to_string(port + 1);
   }
 
   EventLoop loop;

@@ -4,7 +4,7 @@
 #include "ambrelio/value/locale.h"
 #include "cli_test.h"
 #include "gateway.h"
-#include "support/port_pair.h"
+#include "support/udp_ports.h"
 
 namespace ambrelio::cli {
 namespace {
@@ -17,7 +17,7 @@ class SensorsCommand : public test::MillCliTest {
  protected:
   SensorsCommand() {
     SetUpIni("MaxTolvas", "4,2,3");
-    SetSensors("PortUDP", std::to_string(ports.lower()));
+    SetSensors("PortUDP", std::to_string(port));
     SetSensors("TimeOut", "500");
     SetSensors("Periodo", "1000");
   }
@@ -28,7 +28,7 @@ class SensorsCommand : public test::MillCliTest {
         *events, ReadGatewayScript(lines, "script"),
         Gateway::Listener{[](int16_t, const GatewayAnswer&) {},
                           [](const std::string& problem) { ADD_FAILURE() << problem; }});
-    gateway->Listen({"127.0.0.1", ports.lower()});
+    gateway->Listen({"127.0.0.1", port});
   }
 
   test::Outcome Sensors(std::vector<std::string> more) {
@@ -47,7 +47,7 @@ class SensorsCommand : public test::MillCliTest {
     return outcome.out;
   }
 
-  const test::PortPair ports;
+  const int32_t port = test::FreeUdpPortPair();
   ManualTicks ticks;
   std::shared_ptr<EventLoop> events = std::make_shared<EventLoop>(ticks);
   std::unique_ptr<Gateway> gateway;
@@ -214,7 +214,7 @@ TEST_F(SensorsCommand, AnAutomationObjectThatNobodyOffersIsNamed) {
 }
 
 TEST_F(SensorsCommand, AHostThatDoesNotResolveIsAnErrorWhenItIsAsked) {
-  SetSensors("PortUDP", "sondas.invalid:" + std::to_string(ports.lower()));
+  SetSensors("PortUDP", "sondas.invalid:" + std::to_string(port));
   const auto outcome = Sensors({"--seconds", "5"});
   EXPECT_EQ(outcome.code, 1);
   EXPECT_EQ(outcome.err, "ambrelio: error 11001: Host not found: sondas.invalid\n");
@@ -223,11 +223,11 @@ TEST_F(SensorsCommand, AHostThatDoesNotResolveIsAnErrorWhenItIsAsked) {
 
 TEST_F(SensorsCommand, APortThatIsTakenIsAnError) {
   const auto other = MakeUdpSocket(*events);
-  other->Bind({"127.0.0.1", ports.upper()}, [](const std::string&, const Endpoint&) {});
+  other->Bind({"127.0.0.1", port + 1}, [](const std::string&, const Endpoint&) {});
   const auto outcome = Sensors({"--seconds", "5"});
   EXPECT_EQ(outcome.code, 1);
-  EXPECT_EQ(outcome.err, "ambrelio: error 10048: Address in use: UDP port " +
-                             std::to_string(ports.upper()) + "\n");
+  EXPECT_EQ(outcome.err,
+            "ambrelio: error 10048: Address in use: UDP port " + std::to_string(port + 1) + "\n");
 }
 
 TEST_F(SensorsCommand, HelpStartsWithExamples) {

@@ -60,28 +60,23 @@ class Planner {
 // The queries that stand in what a statement computes, beside those of its sources.
 using VisitQuery = std::function<void(Query&)>;
 
-void ForEachQueryOf(const ExprPtr& expr, const VisitQuery& visit) {
-  if (!expr) return;
-  bound::ForEachExpr(*expr, [&](bound::Expr& part) {
-    if (part.query) visit(*part.query);
-  });
-}
-
 struct ForEachQuery {
   const VisitQuery& visit;
 
   void operator()(std::unique_ptr<Query>& query) const { visit(*query); }
   void operator()(bound::Insert& insert) const {
     if (insert.query) visit(*insert.query);
-    for (const bound::FieldValue& value : insert.values) ForEachQueryOf(value.value, visit);
+    for (bound::FieldValue& value : insert.values) planner::ForEachQueryIn(*value.value, visit);
   }
   void operator()(bound::Update& update) const {
-    ForEachQueryOf(update.where, visit);
-    for (const bound::UpdateTarget& target : update.targets) {
-      for (const bound::FieldValue& value : target.values) ForEachQueryOf(value.value, visit);
+    if (update.where) planner::ForEachQueryIn(*update.where, visit);
+    for (bound::UpdateTarget& target : update.targets) {
+      for (bound::FieldValue& value : target.values) planner::ForEachQueryIn(*value.value, visit);
     }
   }
-  void operator()(bound::Delete& statement) const { ForEachQueryOf(statement.where, visit); }
+  void operator()(bound::Delete& statement) const {
+    if (statement.where) planner::ForEachQueryIn(*statement.where, visit);
+  }
 };
 
 // The rows that an update or delete goes through; nothing for other statements.

@@ -1,6 +1,5 @@
 #include "ambrelio/engine/embedded/planner/tree_walk.h"
 
-#include <algorithm>
 #include <map>
 
 namespace ambrelio::embedded::planner {
@@ -36,18 +35,18 @@ void RewriteAll(Query& query, const Rewrite& rewrite) {
   if (query.select->where) RewriteAll(query.select->where, rewrite);
 }
 
-namespace {
-
 void ForEachQueryIn(Expr& expr, const std::function<void(Query&)>& visit) {
   bound::ForEachExpr(expr, [&](Expr& part) {
     if (part.query) visit(*part.query);
   });
 }
 
-void ForEachQueryIn(Source& source, const std::function<void(Query&)>& visit) {
+namespace {
+
+void ForEachQueryInSource(Source& source, const std::function<void(Query&)>& visit) {
   if (source.query) visit(*source.query);
-  if (source.left) ForEachQueryIn(*source.left, visit);
-  if (source.right) ForEachQueryIn(*source.right, visit);
+  if (source.left) ForEachQueryInSource(*source.left, visit);
+  if (source.right) ForEachQueryInSource(*source.right, visit);
   if (source.on) ForEachQueryIn(*source.on, visit);
 }
 
@@ -69,7 +68,7 @@ void ForEachQueryBelow(Query& query, const std::function<void(Query&)>& visit) {
     return;
   }
   ForEachDelivered(query, [&](ExprPtr& expr) { ForEachQueryIn(*expr, visit); });
-  for (Source& source : query.select->from) ForEachQueryIn(source, visit);
+  for (Source& source : query.select->from) ForEachQueryInSource(source, visit);
   if (query.select->where) ForEachQueryIn(*query.select->where, visit);
 }
 
@@ -116,19 +115,6 @@ std::vector<const Expr*> Terms(const ExprPtr& condition) {
   std::vector<const Expr*> terms;
   if (condition) CollectTerms(*condition, terms);
   return terms;
-}
-
-bool Mentions(const Expr& expr, const Source& side) {
-  std::vector<int> sources;
-  bound::ForEachLeaf(side, [&](const Source& leaf) { sources.push_back(leaf.id); });
-  bool found = false;
-  ExprPtr copy = bound::Clone(expr);
-  RewriteAll(copy, [&](const ExprPtr& part) {
-    found =
-        found || (part->kind == ExprKind::kColumn &&
-                  std::find(sources.begin(), sources.end(), part->column.source) != sources.end());
-  });
-  return found;
 }
 
 }  // namespace ambrelio::embedded::planner

@@ -32,16 +32,15 @@ void ForEachDelivered(bound::Query& query, const Visit& visit) {
 // Calls `visit` for every query that stands right below this one: in its sources, in its
 // expressions, and the sides of a union.
 void ForEachQueryBelow(bound::Query& query, const std::function<void(bound::Query&)>& visit);
+// The same for an expression.
+void ForEachQueryIn(bound::Expr& expr, const std::function<void(bound::Query&)>& visit);
 
 // Gives the sources of the queries, of copies of others that stand in the tree too, numbers of
 // their own from `next_source` on.
 void Renumber(bound::Query& query, int& next_source);
 void Renumber(bound::ExprPtr& expr, int& next_source);
 
-// The terms that are joined by `and`, and back.
+// The terms that are joined by `and`.
 std::vector<const bound::Expr*> Terms(const bound::ExprPtr& condition);
-
-// Whether the expression names a source that is no join below `side`, within queries too.
-bool Mentions(const bound::Expr& expr, const bound::Source& side);
 
 }  // namespace ambrelio::embedded::planner
