@@ -84,11 +84,10 @@ class DiskRecord {
     const bool grows = request.kind == FileRequest::kWrite;
     if (code_ != SQLITE_OK && (grows || code_ != SQLITE_FULL) && --countdown_ <= 0) return code_;
     const FileId file = Identify(name).first;
-    steps_.push_back({request.kind, name, file, request.place, std::string(request.bytes),
-                      request.waits});
-    if (request.kind == FileRequest::kDelete) std::erase_if(ids_, [&](const auto& known) {
-      return known.second == file;
-    });
+    steps_.push_back(
+        {request.kind, name, file, request.place, std::string(request.bytes), request.waits});
+    if (request.kind == FileRequest::kDelete)
+      std::erase_if(ids_, [&](const auto& known) { return known.second == file; });
     return SQLITE_OK;
   }
 
@@ -145,13 +144,16 @@ class DiskReplay {
     lies_ = lies;
   }
 
+  // A seed for an image with everything that was written.
+  static constexpr uint32_t kEverything = 0;
+
   // Moments only follow each other.
   void AdvanceTo(size_t moment) {
     for (; moment_ < moment; ++moment_) Take(record_.steps()[moment_]);
   }
 
-  // Of what was not synchronised, `seed` chooses what is there: all, nothing, some requests, or some
-  // of the sectors of some. A file that has grown holds anything where nothing was written.
+  // Of what was not synchronised, `seed` chooses what is there: all, nothing, some requests, or
+  // some of the sectors of some. A file that has grown holds anything where nothing was written.
   void WriteImage(const std::string& folder, uint32_t seed) const {
     std::mt19937 random(seed);
     const auto extent = static_cast<Extent>(seed % 4);

@@ -1,5 +1,5 @@
-// SQLite's files as they are, with somebody who learns of every change of them before it happens and
-// can have it fail.
+// SQLite's files as they are, with somebody who learns of every change of them before it happens
+// and can have it fail.
 //
 // While it lives, every file that SQLite opens goes through it; what is open when it begins or ends
 // must not be touched in between. There can be one at a time.

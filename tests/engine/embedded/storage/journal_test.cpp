@@ -130,18 +130,19 @@ TEST_P(JournalTest, APowerCutHasTheFateThatTheJournalPromises) {
 // seen to lose also shows that the judge can tell.
 INSTANTIATE_TEST_SUITE_P(
     Journals, JournalTest,
-    ::testing::Values(
-        Journal{"LogAsUsed", "", 1, Fate::kKept},
-        Journal{"LogAsUsedOnADiskThatLies", "", 1, Fate::kDamaged, true},
-        Journal{"LogNormal", "pragma synchronous = normal", 0, Fate::kLost},
-        Journal{"LogWithoutWaiting", "pragma synchronous = off", 0, Fate::kDamaged},
-        Journal{"DeletedFull", "pragma journal_mode = delete", 3, Fate::kLost},
-        Journal{"DeletedExtra", "pragma journal_mode = delete; pragma synchronous = extra", 4,
-                Fate::kKept},
-        Journal{"TruncatedFull", "pragma journal_mode = truncate", 4, Fate::kKept},
-        Journal{"PersistentFull", "pragma journal_mode = persist", 4, Fate::kKept},
-        Journal{"WithoutWaiting", "pragma journal_mode = delete; pragma synchronous = off", 0,
-                Fate::kDamaged}),
+    ::testing::Values(Journal{"LogAsUsed", "", 1, Fate::kKept},
+                      Journal{"LogAsUsedOnADiskThatLies", "", 1, Fate::kDamaged, true},
+                      Journal{"LogNormal", "pragma synchronous = normal", 0, Fate::kLost},
+                      Journal{"LogWithoutWaiting", "pragma synchronous = off", 0, Fate::kDamaged},
+                      Journal{"DeletedFull", "pragma journal_mode = delete", 3, Fate::kLost},
+                      Journal{"DeletedExtra",
+                              "pragma journal_mode = delete; pragma synchronous = extra", 4,
+                              Fate::kKept},
+                      Journal{"TruncatedFull", "pragma journal_mode = truncate", 4, Fate::kKept},
+                      Journal{"PersistentFull", "pragma journal_mode = persist", 4, Fate::kKept},
+                      Journal{"WithoutWaiting",
+                              "pragma journal_mode = delete; pragma synchronous = off", 0,
+                              Fate::kDamaged}),
     [](const auto& journal) { return std::string(journal.param.name); });
 
 }  // namespace

@@ -83,8 +83,8 @@ class Storage {
 
   // Commits wait for the disk one by one, unless that is put off, which has to happen outside of
   // transactions; then WaitForAll waits for all of them at one stroke. It raises what the disk does
-  // (3026, 3043), and does nothing where nothing was committed. Where a transaction is open, its end
-  // waits.
+  // (3026, 3043), and does nothing where nothing was committed. Where a transaction is open, its
+  // end waits.
   void PutOffWaiting();
   void WaitForAll();
 
