@@ -1,3 +1,15 @@
+# Takes the sources of other systems out of a list: those named *_posix.cpp and *_posix_test.cpp, or
+# *_windows.cpp and *_windows_test.cpp.
+function(ambrelio_keep_this_system list)
+  if(WIN32)
+    set(other posix)
+  else()
+    set(other windows)
+  endif()
+  list(FILTER ${list} EXCLUDE REGEX "_${other}(_test)?\\.cpp$")
+  set(${list} ${${list}} PARENT_SCOPE)
+endfunction()
+
 # A room is one folder of src/ambrelio with what it may know. Each is a library of its own, so that
 # a use that runs against the arrows of docs/architecture.md does not link; together they are
 # `ambrelio`.
@@ -7,6 +19,7 @@ function(ambrelio_room folder)
   cmake_parse_arguments(ROOM "" "" "KNOWS;LINKS" ${ARGN})
   string(REPLACE "/" "_" name "${folder}")
   file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/ambrelio/${folder}/*.cpp")
+  ambrelio_keep_this_system(sources)
   add_library(room_${name} STATIC ${sources})
   target_include_directories(room_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_link_libraries(room_${name} PRIVATE $<BUILD_INTERFACE:ambrelio_warnings>
@@ -25,6 +38,7 @@ function(ambrelio_room_tests folder)
   cmake_parse_arguments(TESTS "" "" "LINKS" ${ARGN})
   string(REPLACE "/" "_" name "${folder}")
   file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp")
+  ambrelio_keep_this_system(sources)
   add_executable(${name}_tests ${sources})
   target_include_directories(${name}_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name}_tests PRIVATE ambrelio_warnings ${TESTS_LINKS} GTest::gmock_main)

@@ -1,5 +1,3 @@
-#if defined(_WIN32)
-
 #include <windows.h>
 
 #include <algorithm>
@@ -96,5 +94,3 @@ void WriteFileAtomically(const std::string& path, std::string_view bytes) {
 }
 
 }  // namespace ambrelio
-
-#endif

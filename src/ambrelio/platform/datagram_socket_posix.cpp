@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
@@ -205,5 +203,3 @@ std::unique_ptr<DatagramSocket> MakeUdpSocket(EventLoop& loop) {
 }
 
 }  // namespace ambrelio
-
-#endif

@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <unistd.h>
 
 #include "ambrelio/platform/terminal.h"
@@ -10,5 +8,3 @@ bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
 bool ErrorOutputIsTerminal() { return isatty(STDERR_FILENO) == 1; }
 
 }  // namespace ambrelio
-
-#endif
