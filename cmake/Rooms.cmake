@@ -12,12 +12,16 @@ endfunction()
 
 # A room is one folder of src/ambrelio with what it may know. Each is a library of its own, so that
 # a use that runs against the arrows of docs/architecture.md does not link; together they are
-# `ambrelio`.
+# `ambrelio`. A room for Windows alone is empty on other systems.
 #
-#   ambrelio_room(<folder> [KNOWS <folder>...] [LINKS <library>...])
+#   ambrelio_room(<folder> [WINDOWS] [KNOWS <folder>...] [LINKS <library>...])
 function(ambrelio_room folder)
-  cmake_parse_arguments(ROOM "" "" "KNOWS;LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "WINDOWS" "" "KNOWS;LINKS" ${ARGN})
   string(REPLACE "/" "_" name "${folder}")
+  if(ROOM_WINDOWS AND NOT WIN32)
+    add_library(room_${name} INTERFACE)
+    return()
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/ambrelio/${folder}/*.cpp")
   ambrelio_keep_this_system(sources)
   add_library(room_${name} STATIC ${sources})

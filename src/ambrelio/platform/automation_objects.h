@@ -1,6 +1,7 @@
 // Automation objects of others, made by their programmatic identifiers and called by name.
 //
-// On systems without automation, programs register what they offer:
+// On Windows these are the objects registered there. On any system, programs may register what they
+// offer:
 //
 //   session.AutomationObjects().Register("Sondas.Lector", [] { return std::make_shared<Lector>();
 //   });
