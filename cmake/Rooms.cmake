@@ -1,12 +1,29 @@
+# Takes the sources of other systems out of a list: those named *_posix.cpp and *_posix_test.cpp, or
+# *_windows.cpp and *_windows_test.cpp.
+function(ambrelio_keep_this_system list)
+  if(WIN32)
+    set(other posix)
+  else()
+    set(other windows)
+  endif()
+  list(FILTER ${list} EXCLUDE REGEX "_${other}(_test)?\\.cpp$")
+  set(${list} ${${list}} PARENT_SCOPE)
+endfunction()
+
 # A room is one folder of src/ambrelio with what it may know. Each is a library of its own, so that
 # a use that runs against the arrows of docs/architecture.md does not link; together they are
-# `ambrelio`.
+# `ambrelio`. A room for Windows alone is empty on other systems.
 #
-#   ambrelio_room(<folder> [KNOWS <folder>...] [LINKS <library>...])
+#   ambrelio_room(<folder> [WINDOWS] [KNOWS <folder>...] [LINKS <library>...])
 function(ambrelio_room folder)
-  cmake_parse_arguments(ROOM "" "" "KNOWS;LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "WINDOWS" "" "KNOWS;LINKS" ${ARGN})
   string(REPLACE "/" "_" name "${folder}")
+  if(ROOM_WINDOWS AND NOT WIN32)
+    add_library(room_${name} INTERFACE)
+    return()
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/ambrelio/${folder}/*.cpp")
+  ambrelio_keep_this_system(sources)
   add_library(room_${name} STATIC ${sources})
   target_include_directories(room_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_link_libraries(room_${name} PRIVATE $<BUILD_INTERFACE:ambrelio_warnings>
@@ -25,12 +42,23 @@ function(ambrelio_room_tests folder)
   cmake_parse_arguments(TESTS "" "" "LINKS" ${ARGN})
   string(REPLACE "/" "_" name "${folder}")
   file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp")
+  ambrelio_keep_this_system(sources)
   add_executable(${name}_tests ${sources})
   target_include_directories(${name}_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name}_tests PRIVATE ambrelio_warnings ${TESTS_LINKS} GTest::gmock_main)
   target_compile_definitions(${name}_tests PRIVATE AMBRELIO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   # The test framework costs more to read than most tests.
   target_precompile_headers(${name}_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-  gtest_discover_tests(${name}_tests TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT 300)
+  if(WIN32)
+    # The presets of this system optimise what they make to be used; a test runs once.
+    target_compile_options(${name}_tests PRIVATE -O0)
+  endif()
+  if(CMAKE_CROSSCOMPILING)
+    # Each start under Wine costs more than most tests: a program is one test of CTest's.
+    add_test(NAME ${folder} COMMAND ${name}_tests --gtest_brief=1)
+    set_tests_properties(${folder} PROPERTIES TIMEOUT 600)
+  else()
+    gtest_discover_tests(${name}_tests TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT 300)
+  endif()
 endfunction()

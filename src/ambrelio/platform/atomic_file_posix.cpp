@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -111,5 +109,3 @@ void WriteFileAtomically(const std::string& path, std::string_view bytes) {
 }
 
 }  // namespace ambrelio
-
-#endif

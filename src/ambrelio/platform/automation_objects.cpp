@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "ambrelio/platform/characters.h"
+#include "ambrelio/platform/system_object.h"
+#include "ambrelio/platform/system_objects.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {
@@ -16,7 +18,10 @@ std::shared_ptr<AutomationObject> AutomationObjects::Create(std::string_view pro
   if (found != factories_.end()) {
     const Factory factory = found->second;  // it may register another in its own place
     if (auto object = factory()) return object;
+  } else if (auto object = CreateSystemObject(prog_id)) {
+    return object;
   }
+  if (auto object = CreateSystemObject(prog_id)) return object;
   Raise(RuntimeError::kCannotCreateObject, std::string(prog_id));
 }
 

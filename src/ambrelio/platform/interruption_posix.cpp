@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <csignal>
 
 #include "ambrelio/platform/interruption.h"
@@ -36,5 +34,3 @@ Interruption::~Interruption() {
 bool Interruption::Interrupted() const { return interrupted != 0; }
 
 }  // namespace ambrelio
-
-#endif

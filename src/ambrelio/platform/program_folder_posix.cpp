@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <dlfcn.h>
 #include <link.h>
 
@@ -23,5 +21,3 @@ std::string ProgramFolder() {
 }
 
 }  // namespace ambrelio
-
-#endif

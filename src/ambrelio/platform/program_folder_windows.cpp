@@ -1,5 +1,3 @@
-#if defined(_WIN32)
-
 #include <windows.h>
 
 #include <string>
@@ -29,5 +27,3 @@ std::string ProgramFolder() {
 }
 
 }  // namespace ambrelio
-
-#endif

@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <poll.h>
 
 #include <algorithm>
@@ -27,5 +25,3 @@ std::vector<EventLoop::SocketHandle> WaitForSockets(
 }
 
 }  // namespace ambrelio
-
-#endif

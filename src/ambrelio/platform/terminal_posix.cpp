@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <unistd.h>
 
 #include "ambrelio/platform/terminal.h"
@@ -9,6 +7,6 @@ namespace ambrelio {
 bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
 bool ErrorOutputIsTerminal() { return isatty(STDERR_FILENO) == 1; }
 
-}  // namespace ambrelio
+void UsePlainUtf8Streams() {}
 
-#endif
+}  // namespace ambrelio

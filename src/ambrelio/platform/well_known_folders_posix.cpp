@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -158,5 +156,3 @@ std::string FolderPath(WellKnownFolder folder) {
 }
 
 }  // namespace ambrelio
-
-#endif
