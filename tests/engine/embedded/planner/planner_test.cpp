@@ -90,6 +90,13 @@ class PlannerTest : public testing::Test {
   Liveness alive_ = std::make_shared<const bool>(true);
 };
 
+// "inner, merged, split" of what all rewrites make of a query.
+std::string Made(bound::Query& query) {
+  const RewritesMade made = Plan(query, {});
+  return std::to_string(made.inner_joins) + ", " + std::to_string(made.merged_queries) + ", " +
+         std::to_string(made.split_joins);
+}
+
 using InnerJoins = PlannerTest;
 using MergedQueries = PlannerTest;
 using SplitJoins = PlannerTest;
@@ -463,6 +470,35 @@ TEST_F(PlannerTest, WhatIsTooDeepForTheStorageWhenPlannedIsPreparedAsItStands) {
   EXPECT_THAT(Rows("select mm from Deeper"), testing::ElementsAre("37"));
   EXPECT_EQ(executor_.Execute("insert into B (k, n) select k, mm from Deeper", true), 1);
   EXPECT_THAT(Rows("select n from B"), testing::ElementsAre("37"));
+}
+
+TEST_F(PlannerTest, CountsTheRewritesMade) {
+  const auto made = [&](const std::string& text) { return Made(*Bound(text)); };
+  EXPECT_EQ(made("select k from A where n = 1"), "0, 0, 0");
+  EXPECT_EQ(made("select A.k from (A left join B on A.k = B.k) left join C on B.n = C.k where "
+                 "C.n > 0"),
+            "2, 0, 0");
+  EXPECT_EQ(made("select x from (select y as x from (select k as y from A) as p) as q"), "0, 2, 0");
+  EXPECT_EQ(made("select A.k from A left join B on A.n = B.k where B.k is null or A.n = 1"),
+            "0, 0, 1");
+  EXPECT_EQ(made("select k from A where exists (select 1 from B left join C on B.n = C.k where "
+                 "C.n > A.n)"),
+            "1, 0, 0");
+}
+
+TEST_F(PlannerTest, CountsNoRewriteThatIsOff) {
+  const auto query = Bound(
+      "select q.k from (select k from A) as q left join B on q.k = B.k where "
+      "B.n > 0");
+  const RewritesMade made = Plan(*query, PlanOptions::Without("inner_joins"));
+  EXPECT_EQ(made.inner_joins, 0);
+  EXPECT_EQ(made.merged_queries, 1);
+}
+
+TEST_F(PlannerTest, CountsTheJoinsOfADelete) {
+  BoundStatement bound = Bind(
+      sql::Parse("delete A.* from A left join B on A.k = B.k where B.n > 0"), store_.Current());
+  EXPECT_EQ(Plan(bound.statement, {}).inner_joins, 1);
 }
 
 // An update goes through its own sources, and its order and its targets stay; only the join

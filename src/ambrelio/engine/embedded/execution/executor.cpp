@@ -105,6 +105,19 @@ class Executor::Impl {
     return OpenRows(storage_, std::move(lease), std::move(shape.literals), std::move(alive));
   }
 
+  Explanation Explain(const std::string& source) {
+    const Catalogue& catalogue = Refresh();
+    const std::string sql = SelectText(source, catalogue);
+    sql::Shape shape = sql::ShapeOf(sql);
+    const sql::Statement statement = sql::Parse(sql);
+    if (IsDefinition(statement)) dao::Raise(DaoError::kInvalidStatement, "DAO.Database", sql);
+    const PreparationGround ground = Ground(catalogue, shape);
+    const Preparation preparation = std::holds_alternative<sql::Query>(statement)
+                                        ? PrepareQuery(statement, ground, /*as_snapshot=*/false)
+                                        : PrepareWrite(statement, ground, /*strict=*/false);
+    return ExplanationOf(preparation, ground, std::move(shape));
+  }
+
  private:
   const Catalogue& Refresh() {
     const Catalogue& catalogue = catalogue_.Current();
@@ -158,6 +171,14 @@ class Executor::Impl {
         statement);
   }
 
+  static bool IsDefinition(const sql::Statement& statement) {
+    return std::visit(
+        [](const auto& any) {
+          return requires(CatalogueStore & store) { Define(any, store); };
+        },
+        statement);
+  }
+
   // A name alone stands for everything in the table or query.
   static std::string SelectText(const std::string& source, const Catalogue& catalogue) {
     std::string_view name = Trimmed(source);
@@ -190,5 +211,7 @@ std::unique_ptr<dao::Recordset> Executor::Open(const std::string& source, dao::R
                                                Liveness alive) {
   return impl_->Open(source, type, std::move(alive));
 }
+
+Explanation Executor::Explain(const std::string& source) { return impl_->Explain(source); }
 
 }  // namespace ambrelio::embedded

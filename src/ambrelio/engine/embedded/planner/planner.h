@@ -11,6 +11,11 @@
 
 namespace ambrelio::embedded {
 
+// The rewrites, by the names under which they are turned off and told of.
+inline constexpr std::string_view kInnerJoins = "inner_joins";
+inline constexpr std::string_view kMergedQueries = "merged_queries";
+inline constexpr std::string_view kSplitJoins = "split_joins";
+
 // Which rewrites are made; all, unless somebody looks for a fault.
 struct PlanOptions {
   // Outer joins whose missing side the conditions cannot accept become inner joins.
@@ -28,9 +33,17 @@ struct PlanOptions {
   static PlanOptions FromEnvironment();
 };
 
+// How often each rewrite was made: joins that became inner ones, queries that were merged, joins
+// that were split. What stands in both branches of a split join counts in each.
+struct RewritesMade {
+  int inner_joins = 0;
+  int merged_queries = 0;
+  int split_joins = 0;
+};
+
 // Plans the query with all queries below it.
-void Plan(bound::Query& query, const PlanOptions& options);
+RewritesMade Plan(bound::Query& query, const PlanOptions& options);
 // The same for what a statement reads; what it writes, and in which order, stays.
-void Plan(bound::Statement& statement, const PlanOptions& options);
+RewritesMade Plan(bound::Statement& statement, const PlanOptions& options);
 
 }  // namespace ambrelio::embedded

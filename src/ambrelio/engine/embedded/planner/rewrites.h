@@ -8,14 +8,14 @@
 namespace ambrelio::embedded::planner {
 
 // An outer join becomes an inner one when no row that it completes with Nulls can pass the
-// conditions around it.
-void MakeJoinsInner(std::vector<bound::Source>& from, const bound::ExprPtr& where);
+// conditions around it. Returns how many did.
+int MakeJoinsInner(std::vector<bound::Source>& from, const bound::ExprPtr& where);
 
 // A query in the from clause that only chooses rows and computes columns gives way to its own
 // sources. Within the optional side of an outer join that goes for queries whose columns are plain:
 // computed ones need not be Null where there is no partner. Copies of what it computes take numbers
-// for their sources from `next_source` on.
-void MergeQueries(bound::Query& query, int& next_source);
+// for their sources from `next_source` on. Returns how many queries gave way.
+int MergeQueries(bound::Query& query, int& next_source);
 
 // A left join with one table on its right, whose columns stand under null-tests, is taken apart:
 // into the rows with a partner and those without. In each the tests are known; a branch whose
