@@ -298,6 +298,23 @@ TEST_F(SplitJoins, ResolveTheTestsInTheConditionOfEachBranch) {
   EXPECT_THAT(sql, Not(HasSubstr("iif(")));
 }
 
+TEST_F(SplitJoins, ResolveTheTestsInWhatAGroupAddsUp) {
+  const std::string sql = Split(
+      "select A.t, sum(A.n * IIf(IsNull(B.k), 1, B.n)) from A left join B on A.n = B.k where "
+      "IIf(IsNull(B.k), A.n, B.n) = 3 group by A.t");
+  EXPECT_THAT(sql, Not(HasSubstr("IS NULL")));
+  EXPECT_THAT(sql, HasSubstr("(t1.\"n\" * t2.\"n\") AS"));
+}
+
+TEST_F(SplitJoins, WhatReachesOutOfAGroupIsComputedOutside) {
+  const std::string sql = Split(
+      "select C.k from C where C.n > (select sum(A.n * C.n) from A left join B on A.n = B.k where "
+      "Nz(B.n, A.n) = 3 or IsNull(B.k))");
+  EXPECT_THAT(sql, HasSubstr("UNION ALL"));
+  EXPECT_THAT(sql, HasSubstr(".c0 * t1.\"n\")"));
+  storage_->Run("explain " + sql);
+}
+
 TEST_F(SplitJoins, ATestOfAColumnThatMayBeNullStays) {
   EXPECT_THAT(Split("select A.k from A left join B on A.n = B.k where IIf(IsNull(B.n), A.n, B.n) "
                     "= 3"),
