@@ -44,6 +44,7 @@ class Planner {
       if (options_.merged_queries) planner::MergeQueries(query, next_source_);
       // What has come up may decide about more joins.
       if (options_.inner_joins) planner::MakeJoinsInner(query.select->from, query.select->where);
+      if (options_.shorter_keys) planner::ShortenKeys(query);
       while (options_.split_joins && splits > 0 && planner::SplitJoin(query, next_source_)) {
         --splits;
       }
@@ -128,6 +129,7 @@ PlanOptions PlanOptions::Without(std::string_view names) {
   options.inner_joins = !named("inner_joins");
   options.merged_queries = !named("merged_queries");
   options.split_joins = !named("split_joins");
+  options.shorter_keys = !named("shorter_keys");
   return options;
 }
 

@@ -20,6 +20,8 @@ struct PlanOptions {
   // A left join whose right side stands under null-tests becomes two branches: rows with a partner,
   // and rows without.
   bool split_joins = true;
+  // `first` and `last` compare only the keys that can decide.
+  bool shorter_keys = true;
 
   // From a list of names as "inner_joins,split_joins": the rewrites that are not made; "all" turns
   // off each. Names that are none are passed over.
