@@ -90,8 +90,8 @@ TEST(EngineDocument, ShowsTextsOfTheLibrary) {
 }
 
 TEST(EngineDocument, HasASectionForEachRewrite) {
-  for (const std::string_view rewrite :
-       {embedded::kInnerJoins, embedded::kMergedQueries, embedded::kSplitJoins}) {
+  for (const std::string_view rewrite : {embedded::kInnerJoins, embedded::kMergedQueries,
+                                         embedded::kSplitJoins, embedded::kShorterKeys}) {
     EXPECT_THAT(Engine().text, testing::Contains("### " + std::string(rewrite)));
   }
 }

@@ -75,7 +75,8 @@ TEST_F(SqlPlan, TellsTheRewritesThatAreOff) {
   EXPECT_THAT(some, HasSubstr("LEFT JOIN"));
   environment.Set("AMBRELIO_WITHOUT_REWRITES", "all");
   EXPECT_THAT(Text(kThroughJoin),
-              StartsWith("rewrites: none; off: inner_joins, merged_queries, split_joins\n"));
+              StartsWith("rewrites: none; off: inner_joins, merged_queries, split_joins, "
+                         "shorter_keys\n"));
 }
 
 TEST_F(SqlPlan, ShowsParametersAsJson) {

@@ -79,15 +79,17 @@ constexpr const char* kThroughJoin =
     "select q.k from (select k, n from A) as q left join B on q.n = B.k where B.n > 3";
 
 TEST_F(ExplanationTest, TellsWhichRewritesWereMade) {
-  EXPECT_EQ(Rewrites("select k from A"), "inner_joins on 0; merged_queries on 0; split_joins on 0");
-  EXPECT_EQ(Rewrites(kThroughJoin), "inner_joins on 1; merged_queries on 1; split_joins on 0");
+  EXPECT_EQ(Rewrites("select k from A"),
+            "inner_joins on 0; merged_queries on 0; split_joins on 0; shorter_keys on 0");
+  EXPECT_EQ(Rewrites(kThroughJoin),
+            "inner_joins on 1; merged_queries on 1; split_joins on 0; shorter_keys on 0");
   EXPECT_EQ(Rewrites("select A.k from A left join B on A.n = B.k where B.k is null"),
-            "inner_joins on 0; merged_queries on 0; split_joins on 1");
+            "inner_joins on 0; merged_queries on 0; split_joins on 1; shorter_keys on 0");
 }
 
 TEST_F(ExplanationTest, TellsWhichRewritesAreOff) {
   EXPECT_EQ(Rewrites(kThroughJoin, PlanOptions::Without("inner_joins,split_joins")),
-            "inner_joins off 0; merged_queries on 1; split_joins off 0");
+            "inner_joins off 0; merged_queries on 1; split_joins off 0; shorter_keys on 0");
 }
 
 TEST_F(ExplanationTest, ShowsEveryStatementThatTheStorageGets) {

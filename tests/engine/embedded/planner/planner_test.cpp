@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 PlanOptions Only(bool inner_joins, bool merged_queries, bool split_joins) {
-  PlanOptions options;
+  PlanOptions options = PlanOptions::Without("all");
   options.inner_joins = inner_joins;
   options.merged_queries = merged_queries;
   options.split_joins = split_joins;
@@ -71,6 +71,11 @@ class PlannerTest : public testing::Test {
     return PlannedWith(Only(false, true, false), text);
   }
   std::string Split(const std::string& text) { return PlannedWith(Only(false, false, true), text); }
+  std::string Shortened(const std::string& text) {
+    PlanOptions options = PlanOptions::Without("all");
+    options.shorter_keys = true;
+    return PlannedWith(options, text);
+  }
 
   // The first column of the rows, with all rewrites.
   std::vector<std::string> Rows(const std::string& text) {
@@ -100,6 +105,7 @@ std::string Made(bound::Query& query) {
 using InnerJoins = PlannerTest;
 using MergedQueries = PlannerTest;
 using SplitJoins = PlannerTest;
+using ShorterKeys = PlannerTest;
 
 TEST_F(InnerJoins, AreMadeWhereTheConditionRefusesNull) {
   EXPECT_THAT(Inner("select A.k from A left join B on A.k = B.k where B.n > 0"),
@@ -305,6 +311,23 @@ TEST_F(SplitJoins, ResolveTheTestsInTheConditionOfEachBranch) {
   EXPECT_THAT(sql, Not(HasSubstr("iif(")));
 }
 
+TEST_F(SplitJoins, ResolveTheTestsInWhatAGroupAddsUp) {
+  const std::string sql = Split(
+      "select A.t, sum(A.n * IIf(IsNull(B.k), 1, B.n)) from A left join B on A.n = B.k where "
+      "IIf(IsNull(B.k), A.n, B.n) = 3 group by A.t");
+  EXPECT_THAT(sql, Not(HasSubstr("IS NULL")));
+  EXPECT_THAT(sql, HasSubstr("(t1.\"n\" * t2.\"n\") AS"));
+}
+
+TEST_F(SplitJoins, WhatReachesOutOfAGroupIsComputedOutside) {
+  const std::string sql = Split(
+      "select C.k from C where C.n > (select sum(A.n * C.n) from A left join B on A.n = B.k where "
+      "Nz(B.n, A.n) = 3 or IsNull(B.k))");
+  EXPECT_THAT(sql, HasSubstr("UNION ALL"));
+  EXPECT_THAT(sql, HasSubstr(".c0 * t1.\"n\")"));
+  storage_->Run("explain " + sql);
+}
+
 TEST_F(SplitJoins, ATestOfAColumnThatMayBeNullStays) {
   EXPECT_THAT(Split("select A.k from A left join B on A.n = B.k where IIf(IsNull(B.n), A.n, B.n) "
                     "= 3"),
@@ -403,6 +426,35 @@ TEST_F(SplitJoins, SubqueriesReadWhatTheBranchesDeliver) {
   EXPECT_THAT(sql, HasSubstr("UNION ALL"));
   EXPECT_THAT(sql, Not(HasSubstr("= t1.\"k\""))) << "the table is no longer seen from there";
   storage_->Run("explain " + sql);
+}
+
+TEST_F(ShorterKeys, EndWithThoseOfTheTableThatIsRead) {
+  const std::string from = " from A inner join B on A.n = B.n group by A.n";
+  EXPECT_THAT(Shortened("select first(A.t)" + from), HasSubstr("jet_first(t1.\"t\", t1.\"k\")"));
+  EXPECT_THAT(Shortened("select last(A.t & A.n)" + from), HasSubstr(", t1.\"k\") AS"));
+  EXPECT_THAT(Shortened("select first(B.t)" + from),
+              HasSubstr("jet_first(t2.\"t\", t1.\"k\", t2.\"k\")"));
+}
+
+TEST_F(ShorterKeys, StayWhereMoreThanOneTableIsRead) {
+  for (const char* read : {"A.n + B.n", "1", "A.t & B.t"}) {
+    const std::string text =
+        std::string("select first(") + read + ") from A inner join B on A.n = B.n group by A.n";
+    EXPECT_EQ(Shortened(text), Unplanned(text)) << text;
+  }
+}
+
+TEST_F(ShorterKeys, NeedEveryColumnOfTheKey) {
+  executor_.Execute("create table P (a long, b long, t text(5), constraint k primary key (a, b))",
+                    false);
+  EXPECT_THAT(Shortened("select first(P.t) from P inner join A on P.a = A.k group by A.n"),
+              HasSubstr("jet_first(t1.\"t\", t1.\"a\", t1.\"b\")"));
+}
+
+TEST_F(ShorterKeys, CanBeARowsIdentity) {
+  executor_.Execute("create table Q (n long, t text(5))", false);
+  const std::string text = "select first(Q.t) from Q inner join A on Q.n = A.n group by A.n";
+  EXPECT_LT(Shortened(text).size(), Unplanned(text).size());
 }
 
 TEST_F(PlannerTest, EverySourceKeepsANumberOfItsOwn) {

@@ -70,6 +70,7 @@ Explanation ExplanationOf(const Preparation& preparation, const PreparationGroun
       {std::string(kInnerJoins), ground.plan.inner_joins, made.inner_joins},
       {std::string(kMergedQueries), ground.plan.merged_queries, made.merged_queries},
       {std::string(kSplitJoins), ground.plan.split_joins, made.split_joins},
+      {std::string(kShorterKeys), ground.plan.shorter_keys, made.shorter_keys},
   };
   explanation.plan_refused = preparation.plan_refused;
   explanation.statements =

@@ -46,6 +46,7 @@ class Planner {
       }
       // What has come up may decide about more joins.
       MakeJoinsInner(query.select->from, query.select->where);
+      if (options_.shorter_keys) made_.shorter_keys += planner::ShortenKeys(query);
       while (options_.split_joins && splits > 0 && planner::SplitJoin(query, next_source_)) {
         --splits;
         ++made_.split_joins;
@@ -142,6 +143,7 @@ PlanOptions PlanOptions::Without(std::string_view names) {
   options.inner_joins = !named(kInnerJoins);
   options.merged_queries = !named(kMergedQueries);
   options.split_joins = !named(kSplitJoins);
+  options.shorter_keys = !named(kShorterKeys);
   return options;
 }
 

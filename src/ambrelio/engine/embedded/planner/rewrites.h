@@ -23,6 +23,11 @@ int MergeQueries(bound::Query& query, int& next_source);
 // take numbers from `next_source` on. False when there was nothing to split.
 bool SplitJoin(bound::Query& query, int& next_source);
 
+// `first` and `last` of what is read from one table compare no keys behind those that tell the rows
+// of the table apart: rows that tie in those hold the same value.
+// Returns how many were shortened.
+int ShortenKeys(bound::Query& query);
+
 // What a rewrite has made the same in every row neither orders nor groups any longer. (A number
 // there would be taken for the place of a column.)
 void DropConstantKeys(bound::Query& query);
