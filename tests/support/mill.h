@@ -121,7 +121,8 @@ class MillTest : public ::testing::Test {
     for (; !recordset->AtEnd(); recordset->MoveNext()) {
       std::string row;
       for (int i = 0; i < recordset->Fields().Count(); ++i) {
-        row += (i > 0 ? "|" : "") + Show(recordset->Value(i));
+        if (i > 0) row += '|';
+        row += Show(recordset->Value(i));
       }
       rows.push_back(std::move(row));
     }
