@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "ambrelio/platform/characters.h"
-#include "ambrelio/platform/system_objects.h"
+#include "ambrelio/platform/system_object.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {

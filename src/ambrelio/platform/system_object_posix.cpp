@@ -1,4 +1,4 @@
-#include "ambrelio/platform/system_objects.h"
+#include "ambrelio/platform/system_object.h"
 
 namespace ambrelio {
 

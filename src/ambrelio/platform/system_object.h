@@ -1,4 +1,4 @@
-// The automation objects that the system itself knows by programmatic identifier.
+// Automation objects that the system itself offers.
 #pragma once
 
 #include <memory>
@@ -8,8 +8,8 @@
 
 namespace ambrelio {
 
-// A new object, its members called by name. Null on a system without automation; 429 where there is
-// automation but nothing under that identifier.
+// A new object of the class that is registered under a programmatic identifier. Null on systems
+// without automation; elsewhere raises 429 (cannot create object) with the cause.
 std::shared_ptr<AutomationObject> CreateSystemObject(std::string_view prog_id);
 
 }  // namespace ambrelio
