@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/platform/file_in_use.h"
 #include "ambrelio/platform/file_path.h"
 #include "ambrelio/platform/unfinished_file.h"
 
@@ -39,7 +40,10 @@ void CheckFolder(const std::string& path) {
 
 std::string ReadHeader(const std::string& path) {
   std::ifstream file(FilePath(path), std::ios::binary);
-  if (!file) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  if (!file) {
+    dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied, kSource,
+               path);
+  }
   std::string header(kHeaderSize, '\0');
   file.read(header.data(), static_cast<std::streamsize>(header.size()));
   header.resize(static_cast<size_t>(file.gcount()));
