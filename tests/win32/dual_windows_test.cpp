@@ -257,7 +257,7 @@ std::vector<std::string> CallEverything(const Caller& call) {
     hopper.Call("Descargar", {int16_t{1}, int16_t{1}, 0.5});
     const LateBound tank = root.ObjectFrom("Deposito", {int16_t{1}});
     tank.Call("EntradaNivel", {Variant(), int32_t{10}, 500.0});
-    tank.Call("NuevoVaciado", {int16_t{0}, 100.0});
+    tank.Call("NuevoVaciado", {int16_t{2}, 100.0});
     const LateBound referent = root.ObjectFrom("NuevoReferente", {int16_t{1}});
     const std::map<std::string, LateBound> objects = {
         {"Trazabilidad", root},

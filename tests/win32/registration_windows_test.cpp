@@ -103,10 +103,6 @@ TEST_F(RegistrationTest, OfTheUserWritesTheUsersEntries) {
 // Regsvr32 with these options; its exit code.
 DWORD Regsvr32(const std::wstring& options) {
   std::wstring command = L"regsvr32.exe /s " + options + L" \"" + ServerDll::Path() + L"\"";
-  for (size_t at = command.find(L'/', command.find(L'"')); at != std::wstring::npos;
-       at = command.find(L'/', at)) {
-    command[at] = L'\\';
-  }
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process{};
@@ -144,16 +140,14 @@ TEST_F(RegistrationTest, GivesOnlyClassesThatCanBeCreated) {
             E_NOINTERFACE);
 }
 
-// A host's manifest in force for a scope. The DLL lies in `folder`.
+// A host's manifest in force for a scope, for a host that lies beside the DLL.
 class Activation {
  public:
-  Activation(const std::string& manifest, const std::wstring& folder) {
+  explicit Activation(const std::string& manifest) {
     const std::wstring path = ToWide(manifest);
     ACTCTXW context{};
     context.cbSize = sizeof context;
-    context.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
     context.lpSource = path.c_str();
-    context.lpAssemblyDirectory = folder.c_str();
     handle_ = ::CreateActCtxW(&context);
     active_ = handle_ != INVALID_HANDLE_VALUE && ::ActivateActCtx(handle_, &cookie_);
   }
@@ -184,10 +178,8 @@ TEST_F(RegistrationTest, IsNotNeededWithAManifest) {
     </dependentAssembly>
   </dependency>
 </assembly>)";
-  const std::wstring path = ServerDll::Path();
-  std::wstring dll_folder = path.substr(0, path.find_last_of(L"/\\"));
   EXPECT_EQ(ErrorOfCreating("Ambrelio.Trazabilidad"), 429);
-  const Activation activation(manifest, dll_folder);
+  const Activation activation(manifest);
   ASSERT_TRUE(activation.active()) << ::GetLastError();
   EXPECT_EQ(ErrorOfCreating("Ambrelio.Trazabilidad"), 0);
   EXPECT_EQ(ErrorOfCreating("Ambrelio.Referente"), 0);
