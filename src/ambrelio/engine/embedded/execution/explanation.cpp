@@ -28,7 +28,7 @@ std::vector<PlanStep> StepsBelow(const std::vector<PlanLine>& lines, int64_t par
 ExplainedStatement Explained(const char* use, const std::string& sql, Storage& storage,
                              const std::vector<Variant>& literals) {
   StorageStatement plan(storage.raw(), "EXPLAIN QUERY PLAN " + sql);
-  BindLiterals(plan, literals);
+  plan.BindAll(literals);
   std::vector<PlanLine> lines;
   while (plan.Step()) {
     lines.push_back({plan.Integer(0), plan.Integer(1), std::string(plan.Text(3))});
