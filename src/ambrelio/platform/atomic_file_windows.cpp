@@ -108,4 +108,6 @@ void WriteFileAtomically(const std::string& path, std::string_view bytes) {
   file.TakePlaceOf(target, replaces);
 }
 
+void SyncFolderOf(const std::string&) {}
+
 }  // namespace ambrelio
