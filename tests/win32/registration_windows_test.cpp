@@ -1,5 +1,7 @@
 // How clients find the DLL: by the registry of the machine or of the user, or by a manifest.
 #include <fstream>
+#include <optional>
+#include <thread>
 
 #include "win32/client.h"
 
@@ -79,6 +81,22 @@ TEST_F(RegistrationTest, OfTheMachineLetsClientsCreateByName) {
   GUID library_id{};
   ASSERT_EQ(::CLSIDFromString(ToWide(id.value()).c_str(), &library_id), S_OK);
   EXPECT_EQ(::LoadRegTypeLib(library_id, 1, 0, 0, library.Receive()), S_OK);
+}
+
+// Such a client gets a proxy; the object lives on a thread that automation runs for it.
+TEST_F(RegistrationTest, ServesClientsOfTheMultithreadedApartment) {
+  ASSERT_EQ(dll.Install(true, nullptr), S_OK);
+  const test::MillFolder mill;
+  std::thread([&] {
+    ASSERT_EQ(::CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    {
+      const com::LateBound root(com::CreateObject("Ambrelio.Trazabilidad"));
+      root.Call("Constructor", {mill.path(), false});
+      EXPECT_EQ(root.Call("MaximoTolvas"), Variant(int16_t{4}));
+      root.Call("Cerrar");
+    }
+    ::CoUninitialize();
+  }).join();
 }
 
 TEST_F(RegistrationTest, IsTakenAwayWhole) {
