@@ -32,9 +32,9 @@ HRESULT Tell(const AutomationError& failure, EXCEPINFO* error) {
 com::OwnedVariant Converted(Arguments arguments, size_t index, VARTYPE type) {
   if (index >= arguments.size()) Raise(RuntimeError::kWrongArgumentCount);
   com::OwnedVariant converted;
-  com::Check(
-      ::VariantChangeType(&converted.get(), &arguments[index].get(), VARIANT_ALPHABOOL, type),
-      "VariantChangeType");
+  com::Check(::VariantChangeType(&converted.get(), const_cast<VARIANT*>(&arguments[index].get()),
+                                 VARIANT_ALPHABOOL, type),
+             "VariantChangeType");
   return converted;
 }
 

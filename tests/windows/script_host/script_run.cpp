@@ -77,13 +77,14 @@ STDMETHODIMP Site::OnScriptError(IActiveScriptError* error) {
   ULONG line = 0;
   LONG column = 0;
   error->GetSourcePosition(&context, &line, &column);
-  const HRESULT code = info.scode;
+  const com::BStr source = com::BStr::Adopt(info.bstrSource);
+  const com::BStr description = com::BStr::Adopt(info.bstrDescription);
+  ::SysFreeString(info.bstrHelpFile);
   std::fflush(stdout);
-  const AutomationError told = com::ErrorOf(DISP_E_EXCEPTION, info, "script");
   std::fprintf(stderr, "%s(%lu): error %d (0x%08lX) of %s: %s\n    %s\n",
-               com::FromWide(script_.path).c_str(), line + 1, told.number(),
-               static_cast<unsigned long>(code), told.source().c_str(), told.description().c_str(),
-               LineOf(script_.text, line).c_str());
+               com::FromWide(script_.path).c_str(), line + 1, com::NumberOf(info.scode),
+               static_cast<unsigned long>(info.scode), source.Text().c_str(),
+               description.Text().c_str(), LineOf(script_.text, line).c_str());
   return S_OK;
 }
 

@@ -45,19 +45,27 @@ com::OwnedVariant Sleep(Arguments arguments) {
   }
 }
 
-com::ComPtr<IDispatch> MakeArguments(const std::vector<std::wstring>& arguments) {
+Member ItemOf(const std::vector<std::wstring>& arguments) {
+  return [arguments](Arguments given) {
+    const auto index = static_cast<size_t>(LongArgument(given, 0));
+    if (index >= arguments.size()) Raise(RuntimeError::kSubscriptOutOfRange);
+    return TextValue(com::FromWide(arguments[index]));
+  };
+}
+
+// The list, or with an index the argument itself: engines ask for WScript.Arguments(0) in one call.
+Member ArgumentsOf(const std::vector<std::wstring>& arguments) {
   auto list = ScriptObject::Make();
   const Member count = [size = static_cast<LONG>(arguments.size())](Arguments) {
     return LongValue(size);
   };
+  const Member item = ItemOf(arguments);
   list->Add("Count", count);
   list->Add("length", count);
-  list->AddDefault("Item", [arguments](Arguments given) {
-    const auto index = static_cast<size_t>(LongArgument(given, 0));
-    if (index >= arguments.size()) Raise(RuntimeError::kSubscriptOutOfRange);
-    return TextValue(com::FromWide(arguments[index]));
-  });
-  return com::ComPtr<IDispatch>(list.get());
+  list->AddDefault("Item", item);
+  return [list = com::ComPtr<IDispatch>(list.get()), item](Arguments given) {
+    return given.empty() ? ObjectValue(list) : item(given);
+  };
 }
 
 }  // namespace
@@ -68,8 +76,7 @@ com::ComPtr<ScriptObject> MakeWScript(const std::wstring& script_path,
   wscript->Add("Echo", Echo);
   wscript->Add("Quit", Quit);
   wscript->Add("Sleep", Sleep);
-  wscript->Add("Arguments",
-               [list = MakeArguments(arguments)](Arguments) { return ObjectValue(list); });
+  wscript->Add("Arguments", ArgumentsOf(arguments));
   wscript->Add("ScriptFullName",
                [path = com::FromWide(script_path)](Arguments) { return TextValue(path); });
   wscript->Add("ScriptName", [script_path](Arguments) {
