@@ -1,5 +1,6 @@
 // The door of the DLL: class factories, and registration for those who need it (see README.md).
 #include <ole2.h>
+#include <olectl.h>
 
 #include <array>
 #include <exception>
