@@ -46,7 +46,7 @@ bool Exists(const std::string& path) {
 }
 
 std::string MasterPath(const std::string& folder, const Master& master) {
-  return (std::filesystem::path(folder) / master.file).string();
+  return Utf8Path(FilePath(folder) / master.file);
 }
 
 void CheckMasters(const std::string& folder) {

@@ -1,6 +1,7 @@
 #include <csignal>
 #include <iostream>
 
+#include "ambrelio/platform/program_arguments.h"
 #include "ambrelio/platform/terminal.h"
 #include "run.h"
 
@@ -9,10 +10,11 @@ int main(int argc, char** argv) {
   // A reader that goes away shows as a write that fails, which is reported like a full disk.
   std::signal(SIGPIPE, SIG_IGN);
 #endif
+  ambrelio::UsePlainUtf8Streams();
   std::ios::sync_with_stdio(false);
   std::cin.tie(nullptr);
   ambrelio::cli::Console console{std::cin, std::cout, std::cerr,
                                  ambrelio::ErrorOutputIsTerminal() && !ambrelio::OutputIsTerminal(),
                                  ambrelio::OutputIsTerminal()};
-  return static_cast<int>(ambrelio::cli::Run({argv + 1, argv + argc}, console));
+  return static_cast<int>(ambrelio::cli::Run(ambrelio::ProgramArguments(argc, argv), console));
 }

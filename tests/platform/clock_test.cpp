@@ -13,8 +13,7 @@ const OleDate kLate = *OleDate::FromIso("2026-11-15 17:30:00");
 
 OleDate LocalNow() {
   std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  ::localtime_r(&now, &parts);
+  const std::tm parts = *std::localtime(&now);
   return *OleDate::FromCivil({parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour,
                               parts.tm_min, parts.tm_sec});
 }

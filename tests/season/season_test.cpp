@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <random>
 #include <sstream>
+#include <thread>
 
 #include "season/mill_model.h"
 #include "season/season_generator.h"
@@ -228,7 +230,8 @@ TEST(KilledProcess, LosesNothingAnsweredAndLeavesNothingHalfDone) {
       ++answered;
     }
     replay.Write(lines[sent++].dump() + "\n");
-    usleep(std::uniform_int_distribution<useconds_t>(0, 1500)(random));
+    std::this_thread::sleep_for(
+        std::chrono::microseconds(std::uniform_int_distribution<int>(0, 1500)(random)));
     replay.Kill();
     while (replay.ReadLine(answer)) ++answered;
 

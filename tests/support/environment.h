@@ -29,11 +29,15 @@ class ScopedEnvironment {
     Put(name, value);
   }
   static void Put(const std::string& name, const Value& value) {
+#if defined(_WIN32)
+    ::_putenv_s(name.c_str(), value ? value->c_str() : "");  // which takes an empty one away
+#else
     if (value) {
       ::setenv(name.c_str(), value->c_str(), 1);
     } else {
       ::unsetenv(name.c_str());
     }
+#endif
   }
 
   std::map<std::string, Value> before_;

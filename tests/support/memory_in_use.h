@@ -5,6 +5,10 @@
 
 #include <cstddef>
 
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
 #if defined(__SANITIZE_ADDRESS__)
 // Of the sanitizer's own allocator, whose header not every compiler brings along.
 extern "C" size_t __sanitizer_get_current_allocated_bytes();
@@ -15,6 +19,14 @@ namespace ambrelio::test {
 inline size_t MemoryInUse() {
 #if defined(__SANITIZE_ADDRESS__)
   return __sanitizer_get_current_allocated_bytes();
+#elif defined(_WIN32)
+  const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+  size_t bytes = 0;
+  PROCESS_HEAP_ENTRY entry{};
+  while (::HeapWalk(heap, &entry)) {
+    if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+  }
+  return bytes;
 #else
   return mallinfo2().uordblks;
 #endif

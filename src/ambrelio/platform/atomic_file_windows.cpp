@@ -12,6 +12,9 @@ namespace {
 
 constexpr int kMaxAttempts = 100;
 constexpr size_t kLargestWrite = 1 << 20;
+// A reader, a copy to the network or a virus scanner holds a file for moments.
+constexpr int kMaxHeld = 50;
+constexpr DWORD kPauseWhileHeld = 20;  // milliseconds
 
 [[noreturn]] void Fail(const std::string& path, DWORD error) {
   Raise(RuntimeError::kPathFileAccess,
@@ -53,17 +56,28 @@ class TemporaryFile {
     if (!::FlushFileBuffers(handle_)) Fail(shown_path_, ::GetLastError());
   }
 
-  // ReplaceFile keeps the old file's permissions, attributes and streams.
   void TakePlaceOf(const std::filesystem::path& target, bool replaces) {
     Close();
-    BOOL done = replaces
-                    ? ::ReplaceFileW(target.c_str(), path_.c_str(), nullptr, 0, nullptr, nullptr)
-                    : ::MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH);
-    if (!done) Fail(shown_path_, ::GetLastError());
+    for (int held = 0; !Move(target, replaces); ++held) {
+      const DWORD error = ::GetLastError();
+      if (!MeansHeld(error) || held == kMaxHeld) Fail(shown_path_, error);
+      ::Sleep(kPauseWhileHeld);
+    }
     path_.clear();
   }
 
  private:
+  // ReplaceFile keeps the old file's permissions, attributes and streams.
+  bool Move(const std::filesystem::path& target, bool replaces) const {
+    return replaces ? ::ReplaceFileW(target.c_str(), path_.c_str(), nullptr, 0, nullptr, nullptr)
+                    : ::MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH);
+  }
+
+  static bool MeansHeld(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_UNABLE_TO_REMOVE_REPLACED ||
+           error == ERROR_LOCK_VIOLATION;
+  }
+
   void Close() {
     if (handle_ != INVALID_HANDLE_VALUE) ::CloseHandle(handle_);
     handle_ = INVALID_HANDLE_VALUE;

@@ -31,8 +31,8 @@ class AutomationObjects {
 
   // Identifiers compare without regard to case; the last registration counts.
   void Register(std::string_view prog_id, Factory factory);
-  // A new object. Raises 429 (cannot create object) when nobody offers one of that name, and what
-  // its factory raises.
+  // A new object. Raises 429 (cannot create object) when neither a registration nor the system
+  // offers one of that name, and what its factory raises.
   std::shared_ptr<AutomationObject> Create(std::string_view prog_id) const;
 
  private:

@@ -1,4 +1,4 @@
-// Whether somebody watches.
+// The standard streams: whether somebody watches, and what they carry.
 #pragma once
 
 namespace ambrelio {
@@ -6,5 +6,9 @@ namespace ambrelio {
 // Whether the process's standard output (standard error) is a terminal.
 bool OutputIsTerminal();
 bool ErrorOutputIsTerminal();
+
+// From here on the streams carry bytes as they are given, and a terminal takes them for UTF-8. To
+// be called before their first use.
+void UsePlainUtf8Streams();
 
 }  // namespace ambrelio

@@ -1,7 +1,6 @@
 #include "ambrelio/value/locale.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace ambrelio {
 namespace {
@@ -41,16 +40,8 @@ constexpr Entry kEntries[] = {
     {"ja", {'.', ',', kYmd}},     {"ko", {'.', ',', kYmd}},     {"zh", {'.', ',', kYmd}},
 };
 
-Locale FromEnvironment() {
-  for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
-    const char* name = std::getenv(variable);
-    if (name != nullptr && *name != '\0') return Locale::FromName(name);
-  }
-  return {};
-}
-
 Locale& InForce() {
-  static Locale locale = FromEnvironment();
+  static Locale locale = Locale::OfSystem();
   return locale;
 }
 

@@ -15,7 +15,10 @@ struct Locale {
   // The locale of a POSIX name as "es_ES.UTF-8"; an unknown or empty one, "C" and "POSIX" give the
   // default above.
   static Locale FromName(std::string_view name);
-  // The locale in force: at first the environment's (LC_ALL, else LC_NUMERIC, else LANG).
+  // The system's: on Windows the regional settings of the user, elsewhere the environment's
+  // (LC_ALL, else LC_NUMERIC, else LANG).
+  static Locale OfSystem();
+  // The locale in force: at first the system's.
   static const Locale& Current();
   // Puts another one in force for the whole process. Not synchronised: called at start, or by a
   // test.

@@ -1,12 +1,5 @@
-#include <sys/stat.h>
-
-#include <csignal>
-
-#include "ambrelio/platform/datagram_socket.h"
 #include "ambrelio/value/automation_error.h"
-#include "cli_test.h"
-#include "support/child_process.h"
-#include "support/udp_ports.h"
+#include "gateway_fixture.h"
 
 namespace ambrelio::cli {
 namespace {
@@ -15,49 +8,12 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// The command, and one who asks it while it runs, on one loop.
-class GatewayCommand : public testing::Test {
- protected:
-  GatewayCommand() {
-    client->Bind({"127.0.0.1", 0},
-                 [this](const std::string& bytes, const Endpoint&) { answers.push_back(bytes); });
-  }
-
-  std::string Port() const { return std::to_string(port); }
-
-  // Sends a datagram when so much of the loop's time has passed.
-  void AskAt(Milliseconds moment, const std::string& request) {
-    events->StartTimer(moment, [this, request] { client->Send({"127.0.0.1", port}, request); });
-  }
-
-  test::Outcome Gateway(const std::string& script, std::vector<std::string> more = {}) {
-    more.insert(more.begin(), {"gateway", "--port", Port(), "--script", "-"});
-    return test::RunCli(std::move(more), script, events);
-  }
-
-  std::string Listening() const { return "listening on 127.0.0.1:" + Port() + "\n"; }
-
-  const int32_t port = test::FreeUdpPortPair();
-  test::TempFolder folder;
-  ManualTicks ticks;
-  std::shared_ptr<EventLoop> events = std::make_shared<EventLoop>(ticks);
-  std::unique_ptr<DatagramSocket> client = MakeUdpSocket(*events);
-  std::vector<std::string> answers;
-};
-
-constexpr char kScript[] = R"j({"tank":3,"answer":"12.5"}
-{"tank":3,"answer":"13","delay":300,"copies":2}
-{"tank":4,"silence":true}
-{"tank":6,"bytes":"c3ff00"}
-{"call":"Deposito(7).EntradaNivel","args":[null,805]}
-)j";
-
 TEST_F(GatewayCommand, PrintsALineForEachRequest) {
   int moment = 0;
   for (const char* request : {"3?", "4?", "5?", "6?", "7?", "3?"}) {
     AskAt(Milliseconds(++moment), request);
   }
-  const auto outcome = Gateway(kScript, {"--requests", "6"});
+  const auto outcome = Gateway(kGatewayScript, {"--requests", "6"});
   EXPECT_EQ(outcome.code, 0);
   EXPECT_EQ(outcome.out,
             "3? -> 12.5\n4? -> (silence)\n5? -> NO\n6? -> 0xc3ff00\n7? -> 805\n"
@@ -68,7 +24,7 @@ TEST_F(GatewayCommand, PrintsALineForEachRequest) {
 TEST_F(GatewayCommand, PrintsTheLinesOfAScriptAsJson) {
   int moment = 0;
   for (const char* request : {"3?", "4?", "6?", "3?"}) AskAt(Milliseconds(++moment), request);
-  const auto outcome = Gateway(kScript, {"--requests", "4", "--json"});
+  const auto outcome = Gateway(kGatewayScript, {"--requests", "4", "--json"});
   EXPECT_EQ(outcome.out,
             "{\"tank\":3,\"answer\":\"12.5\"}\n{\"tank\":4,\"silence\":true}\n"
             "{\"tank\":6,\"bytes\":\"c3ff00\"}\n"
@@ -95,17 +51,6 @@ TEST_F(GatewayCommand, TellsWhatWasNoRequestAndDoesNotCountIt) {
                              std::to_string(client->LocalPort()) + ": \"hello\"\n");
   events->RunUntilIdle();
   EXPECT_THAT(answers, ElementsAre("NO"));
-}
-
-TEST_F(GatewayCommand, EndsAtASignal) {
-  for (const int signal : {SIGINT, SIGTERM}) {
-    events->StartTimer(Milliseconds(5), [signal] { std::raise(signal); });
-    AskAt(Milliseconds(10), "3?");
-    const auto outcome = Gateway("");
-    EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(outcome.out, "") << "what comes later is no matter of the command";
-    events->RunFor(Milliseconds(10));
-  }
 }
 
 TEST_F(GatewayCommand, FollowsTheExampleSeason) {
@@ -195,43 +140,6 @@ TEST_F(GatewayCommand, OutputThatFailsEndsIt) {
   EXPECT_THAT(err.str(), HasSubstr("cannot be written to standard output"));
 }
 
-// The program itself. Its standard error is a pipe, so that the test knows when it listens.
-class GatewayProgram : public GatewayCommand {
- protected:
-  GatewayProgram() {
-    mkfifo(errors.c_str(), 0600);
-    test::WriteText(script, kScript);
-  }
-
-  // Runs it until it listens.
-  std::unique_ptr<test::ChildProcess> Start(const std::vector<std::string>& more) {
-    std::vector<std::string> command = {AMBRELIO_PROGRAM, "gateway",  "--port",
-                                        Port(),           "--script", script};
-    command.insert(command.end(), more.begin(), more.end());
-    auto child = std::make_unique<test::ChildProcess>(command, errors);
-    std::ifstream err(errors);
-    std::string line;
-    std::getline(err, line);
-    EXPECT_EQ(line + "\n", Listening());
-    return child;
-  }
-
-  // Asks by the system's time and waits for the answer.
-  std::string Ask(const std::string& request) {
-    EventLoop loop;
-    std::string answer;
-    const auto socket = MakeUdpSocket(loop);
-    socket->Bind({"127.0.0.1", 0},
-                 [&](const std::string& bytes, const Endpoint&) { answer = bytes; });
-    socket->Send({"127.0.0.1", port}, request);
-    loop.RunUntil([&] { return !answer.empty(); }, Milliseconds(10000));
-    return answer;
-  }
-
-  std::string errors = folder.File("errors");
-  std::string script = folder.File("script.jsonl");
-};
-
 TEST_F(GatewayProgram, AnswersAndEndsAfterItsRequests) {
   const auto child = Start({"--requests", "2"});
   EXPECT_EQ(Ask("3?"), "12.5");
@@ -242,15 +150,6 @@ TEST_F(GatewayProgram, AnswersAndEndsAfterItsRequests) {
   ASSERT_TRUE(child->ReadLine(line));
   EXPECT_EQ(line, "7? -> 805");
   EXPECT_EQ(child->Wait(), 0);
-}
-
-TEST_F(GatewayProgram, EndsAtASignalWhileItWaits) {
-  for (const int signal : {SIGINT, SIGTERM}) {
-    const auto child = Start({});
-    EXPECT_EQ(Ask("3?"), "12.5");
-    child->Signal(signal);
-    EXPECT_EQ(child->Wait(), 0);
-  }
 }
 
 }  // namespace

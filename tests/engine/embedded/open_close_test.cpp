@@ -1,18 +1,12 @@
 // Opening, making and closing database files: every way in which it can fail, and what the failure
 // is called.
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <stdexcept>
 #include <vector>
 
 #include "ambrelio/engine/embedded/storage/storage.h"
 #include "support/engine_test.h"
-#include "support/forked.h"
 
 namespace ambrelio::embedded {
 namespace {
@@ -29,10 +23,10 @@ class OpenClose : public test::EngineTest {
     return ErrorOf([&] { workspace().OpenDatabase(path, false, false, ";pwd="); });
   }
   void Write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(Path(name), std::ios::binary) << bytes;
+    std::ofstream(FilePath(Path(name)), std::ios::binary) << bytes;
   }
   std::string Read(const std::string& name) const {
-    std::ifstream file(Path(name), std::ios::binary);
+    std::ifstream file(FilePath(Path(name)), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
   // Names of what is in the folder.
@@ -42,15 +36,6 @@ class OpenClose : public test::EngineTest {
       names.push_back(entry.path().filename().string());
     }
     return names;
-  }
-  // Does something as a user without rights over other people's files.
-  static bool AsOrdinaryUser(const std::function<void()>& action) {
-    constexpr uid_t kNobody = 65534;
-    test::Forked child([&](test::Forked&) {
-      if (geteuid() == 0 && seteuid(kNobody) != 0) throw std::runtime_error("no other user");
-      action();
-    });
-    return child.EndedWell();
   }
 };
 
@@ -151,51 +136,6 @@ TEST_F(OpenClose, FindsAnOverwrittenPageDamaged) {
   bytes.replace(100, 3000, 3000, '\x55');
   Write("oliva.mdb", bytes);
   EXPECT_EQ(OpenError("oliva.mdb"), 3049);
-}
-
-TEST_F(OpenClose, OpensAFileThatMayNotBeWrittenForReading) {
-  AddTanks(*Create());
-  fs::permissions(Path(), fs::perms{0444});
-  fs::permissions(folder_.path(), fs::perms{0777});
-  EXPECT_TRUE(AsOrdinaryUser([&] {
-    for (const bool read_only : {false, true}) {
-      const auto database = workspace().OpenDatabase(Path(), false, read_only, "");
-      if (CountRows(*database) != 0) throw std::runtime_error("rows");
-      if (ErrorOf([&] { AddTanks(*database, "Otra"); }) != 3027)
-        throw std::runtime_error("written");
-    }
-  }));
-}
-
-TEST_F(OpenClose, OpensAFileInAFolderThatMayNotBeWritten) {
-  AddTanks(*Create());
-  fs::permissions(Path(), fs::perms{0444});
-  fs::permissions(folder_.path(), fs::perms{0555});
-  const bool ended_well = AsOrdinaryUser([&] {
-    if (CountRows(*workspace().OpenDatabase(Path(), false, true, "")) != 0) {
-      throw std::runtime_error("rows");
-    }
-  });
-  fs::permissions(folder_.path(), fs::perms{0755});
-  EXPECT_TRUE(ended_well);
-}
-
-TEST_F(OpenClose, IsDeniedAFileThatMayNotBeRead) {
-  Create()->Close();
-  fs::permissions(Path(), fs::perms{0});
-  fs::permissions(folder_.path(), fs::perms{0755});
-  EXPECT_TRUE(AsOrdinaryUser([&] {
-    if (OpenError("oliva.mdb") != 3051) throw std::runtime_error("not denied");
-  }));
-}
-
-TEST_F(OpenClose, IsDeniedANewFileInAFolderThatMayNotBeWritten) {
-  fs::permissions(folder_.path(), fs::perms{0555});
-  const bool ended_well = AsOrdinaryUser([&] {
-    if (ErrorOf([&] { Create(); }) != 3051) throw std::runtime_error("not denied");
-  });
-  fs::permissions(folder_.path(), fs::perms{0755});
-  EXPECT_TRUE(ended_well);
 }
 
 TEST_F(OpenClose, ReadsWhatIsOpenedReadOnly) {

@@ -1,21 +1,22 @@
 // One file under the hands of several processes, and of one that dies.
-#include <unistd.h>
-
 #include <filesystem>
+#include <thread>
 
 #include "ambrelio/engine/embedded/storage/storage.h"
 #include "support/engine_test.h"
-#include "support/forked.h"
+#include "support/second_process.h"
 
 namespace ambrelio::embedded {
 namespace {
 
 using test::ErrorOf;
-using test::Forked;
+using test::SecondProcess;
 
 class Processes : public test::EngineTest {
  protected:
-  Processes() { AddTanks(*Create()); }
+  Processes() {
+    if (!SecondProcess::IsThis()) AddTanks(*Create());
+  }
 
   // What a child needs: an engine of its own, with the database open.
   struct Client {
@@ -29,7 +30,7 @@ class Processes : public test::EngineTest {
 };
 
 TEST_F(Processes, KeepWhatAKilledOneHadCommitted) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Client client(Path());
     AddTank(*client.database, 1);
     client.workspace().BeginTrans();
@@ -44,7 +45,7 @@ TEST_F(Processes, KeepWhatAKilledOneHadCommitted) {
 }
 
 TEST_F(Processes, LoseWhatAKilledOneHadNotCommitted) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Client client(Path());
     client.workspace().BeginTrans();
     client.workspace().BeginTrans();
@@ -63,7 +64,7 @@ TEST_F(Processes, LoseWhatAKilledOneHadNotCommitted) {
 }
 
 TEST_F(Processes, LeaveNoHalfDatabaseWhenTheMakerIsKilled) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Storage::Create(Path("new.mdb"), [&](Storage&) {
       parent.Signal();
       parent.Await();
@@ -76,7 +77,7 @@ TEST_F(Processes, LeaveNoHalfDatabaseWhenTheMakerIsKilled) {
 }
 
 TEST_F(Processes, SeeEachOthersCommits) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Client client(Path());
     parent.Signal();
     parent.Await();
@@ -92,7 +93,7 @@ TEST_F(Processes, SeeEachOthersCommits) {
 }
 
 TEST_F(Processes, SeeEachOthersDefinitionsAfterARefresh) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Client client(Path());
     const auto table = client.database->TableDefs().Item("Tanques");
     parent.Signal();
@@ -114,12 +115,12 @@ TEST_F(Processes, SeeEachOthersDefinitionsAfterARefresh) {
 }
 
 TEST_F(Processes, WaitForEachOthersTransactions) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Client client(Path());
     client.workspace().BeginTrans();
     AddTank(*client.database, 1);
     parent.Signal();
-    usleep(100000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
     client.workspace().CommitTrans();
   });
   ASSERT_TRUE(child.Await());
@@ -130,7 +131,7 @@ TEST_F(Processes, WaitForEachOthersTransactions) {
 }
 
 TEST_F(Processes, RefuseDefinitionsWhileAnotherWrites) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     Client client(Path());
     client.workspace().BeginTrans();
     parent.Signal();
@@ -146,7 +147,7 @@ TEST_F(Processes, RefuseDefinitionsWhileAnotherWrites) {
 }
 
 TEST_F(Processes, KeepEachOtherOutWhenOneIsExclusive) {
-  Forked child([&](Forked& parent) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
     const auto engine = CreateEngine();
     const auto held = engine->DefaultWorkspace().OpenDatabase(Path(), true, false, "");
     parent.Signal();

@@ -5,22 +5,10 @@
 
 #include <cstdio>
 
-#include "ambrelio/com/errors.h"
+#include "ambrelio/com/apartment.h"
 #include "wscript_object.h"
 
 namespace ambrelio::script_host {
-namespace {
-
-class Apartment {
- public:
-  Apartment() { com::Check(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), "CoInitializeEx"); }
-  ~Apartment() { ::CoUninitialize(); }
-  Apartment(const Apartment&) = delete;
-  Apartment& operator=(const Apartment&) = delete;
-};
-
-}  // namespace
-
 int Main(int count, wchar_t** arguments, const MoreItems& more) {
   // Lines end alike on every system, so that outputs compare byte by byte.
   ::_setmode(_fileno(stdout), _O_BINARY);
@@ -30,7 +18,7 @@ int Main(int count, wchar_t** arguments, const MoreItems& more) {
     return static_cast<int>(ExitCode::kNotRun);
   }
   try {
-    const Apartment apartment;
+    const com::Apartment apartment;
     const ScriptFile script = ReadScript(arguments[1]);
     std::vector<NamedItem> items = more ? more() : std::vector<NamedItem>();
     const auto wscript = MakeWScript(script.path, {arguments + 2, arguments + count});

@@ -1,38 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
 #include <string>
 
 #include "ambrelio/engine/embedded/planner/planner.h"
+#include "support/environment.h"
 
 namespace ambrelio::embedded {
 namespace {
 
-// The environment's variable as it is now, put back in the end.
-class ScopedVariable {
- public:
-  explicit ScopedVariable(const char* value) {
-    if (const char* text = std::getenv(kName)) before_ = text;
-    Set(value);
-  }
-  ~ScopedVariable() { Set(before_ ? before_->c_str() : nullptr); }
-  ScopedVariable(const ScopedVariable&) = delete;
-  ScopedVariable& operator=(const ScopedVariable&) = delete;
-
- private:
-  static constexpr const char* kName = "AMBRELIO_WITHOUT_REWRITES";
-
-  static void Set(const char* value) {
-    if (value == nullptr) {
-      unsetenv(kName);
-    } else {
-      setenv(kName, value, 1);
-    }
-  }
-
-  std::optional<std::string> before_;
-};
+constexpr const char* kVariable = "AMBRELIO_WITHOUT_REWRITES";
 
 // The rewrites that are made, by their first letters.
 std::string Made(const PlanOptions& options) {
@@ -68,12 +44,14 @@ TEST(PlanOptions, PassOverNamesThatAreNone) {
 }
 
 TEST(PlanOptions, AreWhatTheEnvironmentLeaves) {
-  const ScopedVariable variable("merged_queries");
+  test::ScopedEnvironment environment;
+  environment.Set(kVariable, "merged_queries");
   EXPECT_EQ(Made(PlanOptions::FromEnvironment()), "is");
 }
 
 TEST(PlanOptions, AreAllWhereTheEnvironmentSaysNothing) {
-  const ScopedVariable variable(nullptr);
+  test::ScopedEnvironment environment;
+  environment.Unset(kVariable);
   EXPECT_EQ(Made(PlanOptions::FromEnvironment()), "ims");
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/platform/file_in_use.h"
 #include "ambrelio/platform/file_path.h"
 #include "ambrelio/platform/unfinished_file.h"
 
@@ -89,7 +90,10 @@ void CheckDatabaseFile(const std::string& path) {
   }
   if (status.type() != fs::file_type::regular) dao::Raise(DaoError::kAccessDenied, kSource, path);
   const std::optional<std::string> header = ReadHeader(path);
-  if (!header) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  if (!header) {
+    dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied, kSource,
+               path);
+  }
   CheckHeader(*header, path);
 }
 

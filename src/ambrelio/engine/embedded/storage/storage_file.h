@@ -12,8 +12,8 @@ namespace ambrelio::embedded {
 inline constexpr int32_t kApplicationId = 0x414D4252;  // "AMBR"
 inline constexpr int32_t kFormatVersion = 1;
 
-// Raises unless there is a file of this engine that can be read: 3005, 3024, 3044, 3051, 3343,
-// 3049.
+// Raises unless there is a file of this engine that can be read: 3005, 3024, 3044, 3045, 3051,
+// 3343, 3049.
 void CheckDatabaseFile(const std::string& path);
 
 // Whether there is a file that begins as those of Jet and its successor do.

@@ -1,5 +1,4 @@
-// A child of the test's process, for tests of what several processes do to one file. It must be
-// started before the test opens the file: locks and connections are no business of two processes.
+// A second process by forking; see second_process.h.
 #pragma once
 
 #include <sys/wait.h>
@@ -11,12 +10,17 @@
 #include <stdexcept>
 #include <utility>
 
+#include "support/temp_folder.h"
+
 namespace ambrelio::test {
 
-class Forked {
+class SecondProcess {
  public:
+  // Whether this code runs in the second process; never before the work begins.
+  static bool IsThis() { return false; }
+
   // The child runs `work` and ends; it fails when `work` throws.
-  explicit Forked(const std::function<void(Forked&)>& work) {
+  SecondProcess(const TempFolder&, const std::function<void(SecondProcess&)>& work) {
     if (pipe(to_child_) != 0 || pipe(to_parent_) != 0) throw std::runtime_error("no pipe");
     pid_ = fork();
     if (pid_ < 0) throw std::runtime_error("no process");
@@ -28,12 +32,12 @@ class Forked {
       _exit(EXIT_FAILURE);
     }
   }
-  ~Forked() {
+  ~SecondProcess() {
     if (pid_ > 0) Kill();
     for (const int end : {to_child_[0], to_child_[1], to_parent_[0], to_parent_[1]}) close(end);
   }
-  Forked(const Forked&) = delete;
-  Forked& operator=(const Forked&) = delete;
+  SecondProcess(const SecondProcess&) = delete;
+  SecondProcess& operator=(const SecondProcess&) = delete;
 
   // On either side: lets the other one go on, or waits until it does. False when it has ended.
   bool Signal() {

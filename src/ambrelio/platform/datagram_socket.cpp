@@ -1,18 +1,13 @@
-#include <arpa/inet.h>
-#include <netdb.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include "ambrelio/platform/datagram_socket.h"
 
-#include <cerrno>
 #include <limits>
 #include <map>
 #include <utility>
 #include <vector>
 
 #include "ambrelio/platform/characters.h"
-#include "ambrelio/platform/datagram_socket.h"
 #include "ambrelio/platform/socket_error.h"
+#include "ambrelio/platform/socket_system.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {
@@ -21,56 +16,6 @@ namespace {
 constexpr int32_t kLastPort = std::numeric_limits<uint16_t>::max();
 // More than any datagram holds.
 constexpr size_t kBufferSize = 65536;
-
-SocketError ErrorOf(int error) {
-  switch (error) {
-    case EACCES:
-    case EPERM:
-      return SocketError::kAccessDenied;
-    case EINVAL:
-      return SocketError::kInvalidArgument;
-    case EMFILE:
-    case ENFILE:
-      return SocketError::kTooManySockets;
-    case EBADF:
-      return SocketError::kSocketClosed;
-    case EAGAIN:
-      return SocketError::kWouldBlock;
-    case EMSGSIZE:
-      return SocketError::kMessageTooLong;
-    case EADDRINUSE:
-      return SocketError::kAddressInUse;
-    case EADDRNOTAVAIL:
-      return SocketError::kAddressNotAvailable;
-    case ENETDOWN:
-      return SocketError::kNetworkDown;
-    case ENETUNREACH:
-      return SocketError::kNetworkUnreachable;
-    case ENOBUFS:
-    case ENOMEM:
-      return SocketError::kNoBufferSpace;
-    case ECONNREFUSED:
-      return SocketError::kConnectionRefused;
-    case EHOSTUNREACH:
-      return SocketError::kHostUnreachable;
-    default:
-      return SocketError::kSystemCallFailed;
-  }
-}
-
-SocketError LookupError(int error) {
-  switch (error) {
-    case EAI_NONAME:
-#if defined(EAI_NODATA) && EAI_NODATA != EAI_NONAME
-    case EAI_NODATA:
-#endif
-      return SocketError::kHostNotFound;
-    case EAI_AGAIN:
-      return SocketError::kHostLookupFailedForNow;
-    default:
-      return SocketError::kHostLookupFailed;
-  }
-}
 
 // Names that no server is to be asked for: they are reserved as names of nothing.
 bool IsReservedAsUnknown(const std::string& host) {
@@ -90,6 +35,12 @@ in_addr LookUp(const std::string& host) {
   return reinterpret_cast<const sockaddr_in*>(found->ai_addr)->sin_addr;
 }
 
+in_addr EveryAddress() {
+  in_addr every{};
+  every.s_addr = INADDR_ANY;
+  return every;
+}
+
 sockaddr_in MakeAddress(in_addr host, int32_t port) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -97,11 +48,6 @@ sockaddr_in MakeAddress(in_addr host, int32_t port) {
   address.sin_port = htons(static_cast<uint16_t>(port));
   return address;
 }
-
-const sockaddr* Generic(const sockaddr_in& address) {
-  return reinterpret_cast<const sockaddr*>(&address);
-}
-sockaddr* Generic(sockaddr_in& address) { return reinterpret_cast<sockaddr*>(&address); }
 
 Endpoint MakeEndpoint(const sockaddr_in& address) {
   char text[INET_ADDRSTRLEN] = "";
@@ -124,7 +70,7 @@ class UdpSocket final : public DatagramSocket {
   void Bind(const Endpoint& local, Receiver receiver) override {
     Close();
     CheckPort(local.port, 0);
-    const in_addr host = local.host.empty() ? in_addr{INADDR_ANY} : LookUp(local.host);
+    const in_addr host = local.host.empty() ? EveryAddress() : LookUp(local.host);
     try {
       Open(MakeAddress(host, local.port));
     } catch (...) {
@@ -132,7 +78,7 @@ class UdpSocket final : public DatagramSocket {
       throw;
     }
     receiver_ = std::move(receiver);
-    loop_.Watch(handle_, [this] { Receive(); });
+    loop_.Watch(Watched(), [this] { Receive(); });
   }
 
   void Send(const Endpoint& remote, std::string_view bytes) override {
@@ -142,20 +88,16 @@ class UdpSocket final : public DatagramSocket {
     // Some systems take "every address" for their own.
     if (host.s_addr == INADDR_ANY) Raise(SocketError::kAddressNotAvailable, where);
     const sockaddr_in address = MakeAddress(host, remote.port);
-    ssize_t sent = 0;
-    do {
-      sent = ::sendto(handle_, bytes.data(), bytes.size(), 0, Generic(address), sizeof address);
-    } while (sent < 0 && errno == EINTR);
-    if (sent < 0) Raise(ErrorOf(errno), where);
+    if (!SendDatagram(socket_, address, bytes)) Raise(LastSocketError(), where);
   }
 
   void Close() override {
     found_.clear();
     receiver_ = nullptr;
     local_port_ = 0;
-    if (handle_ < 0) return;
-    loop_.StopWatching(handle_);
-    ::close(std::exchange(handle_, -1));
+    if (socket_ == kNoSocket) return;
+    loop_.StopWatching(Watched());
+    CloseSocket(std::exchange(socket_, kNoSocket));
   }
 
   int32_t LocalPort() const override { return local_port_; }
@@ -163,34 +105,35 @@ class UdpSocket final : public DatagramSocket {
  private:
   void Open(sockaddr_in address) {
     const std::string cause = "UDP port " + std::to_string(ntohs(address.sin_port));
-    handle_ = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (handle_ < 0) Raise(ErrorOf(errno), cause);
+    socket_ = OpenDatagramSocket();
+    if (socket_ == kNoSocket) Raise(LastSocketError(), cause);
     socklen_t size = sizeof address;
-    if (::bind(handle_, Generic(address), size) != 0) Raise(ErrorOf(errno), cause);
-    if (::getsockname(handle_, Generic(address), &size) != 0) Raise(ErrorOf(errno), cause);
+    if (::bind(socket_, Generic(address), size) != 0) Raise(LastSocketError(), cause);
+    if (::getsockname(socket_, Generic(address), &size) != 0) Raise(LastSocketError(), cause);
     local_port_ = ntohs(address.sin_port);
   }
 
   in_addr Find(const std::string& host) {
-    if (host.empty()) return {INADDR_ANY};
+    if (host.empty()) return EveryAddress();
     const auto known = found_.find(host);
     if (known != found_.end()) return known->second;
     return found_.emplace(host, LookUp(host)).first->second;
   }
 
+  EventLoop::SocketHandle Watched() const { return static_cast<EventLoop::SocketHandle>(socket_); }
+
   void Receive() {
     sockaddr_in sender{};
-    socklen_t size = sizeof sender;
-    const ssize_t read =
-        ::recvfrom(handle_, buffer_.data(), buffer_.size(), 0, Generic(sender), &size);
-    if (read < 0) return;
+    const auto size = ReceiveDatagram(socket_, buffer_, sender);
+    if (!size) return;
     const Receiver receiver = receiver_;  // it may close or destroy the socket
-    receiver(std::string(buffer_.data(), static_cast<size_t>(read)), MakeEndpoint(sender));
+    receiver(std::string(buffer_.data(), *size), MakeEndpoint(sender));
   }
 
+  SocketSystem system_;
   EventLoop& loop_;
   std::vector<char> buffer_;
-  int handle_ = -1;
+  NativeSocket socket_ = kNoSocket;
   int32_t local_port_ = 0;
   Receiver receiver_;
   std::map<std::string, in_addr> found_;  // by name
