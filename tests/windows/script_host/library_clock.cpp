@@ -12,7 +12,8 @@
 namespace ambrelio::script_host {
 namespace {
 
-std::time_t present;  // seconds as the C library counts them
+std::time_t present;  // seconds as the C library counts them; 0 while no clock was set
+int64_t past_second;  // milliseconds
 
 __time32_t Time32(__time32_t* time) {
   const auto now = static_cast<__time32_t>(present);
@@ -27,14 +28,10 @@ __time64_t Time64(__time64_t* time) {
 
 void WINAPI LocalTime(SYSTEMTIME* time) {
   const std::tm parts = *std::localtime(&present);
-  *time = {static_cast<WORD>(parts.tm_year + 1900),
-           static_cast<WORD>(parts.tm_mon + 1),
-           static_cast<WORD>(parts.tm_wday),
-           static_cast<WORD>(parts.tm_mday),
-           static_cast<WORD>(parts.tm_hour),
-           static_cast<WORD>(parts.tm_min),
-           static_cast<WORD>(parts.tm_sec),
-           0};
+  *time = {static_cast<WORD>(parts.tm_year + 1900), static_cast<WORD>(parts.tm_mon + 1),
+           static_cast<WORD>(parts.tm_wday),        static_cast<WORD>(parts.tm_mday),
+           static_cast<WORD>(parts.tm_hour),        static_cast<WORD>(parts.tm_min),
+           static_cast<WORD>(parts.tm_sec),         0};
 }
 
 // What answers in the place of a function of that name; null for any that tells no time.
@@ -102,6 +99,15 @@ void SetLibraryClock(OleDate moment) {
   parts.tm_sec = civil.second;
   parts.tm_isdst = -1;
   present = std::mktime(&parts);
+  past_second = 0;
+}
+
+bool AdvanceLibraryClock(int32_t milliseconds) {
+  if (present == 0) return false;
+  past_second += milliseconds;
+  present += static_cast<std::time_t>(past_second / 1000);
+  past_second %= 1000;
+  return true;
 }
 
 }  // namespace ambrelio::script_host

@@ -2,6 +2,8 @@
 // answers in the system's place.
 #pragma once
 
+#include <cstdint>
+
 #include "ambrelio/value/ole_date.h"
 
 namespace ambrelio::script_host {
@@ -10,5 +12,8 @@ namespace ambrelio::script_host {
 // stands still until the next call. Loads the library, which has to be registered, and throws when
 // it takes its time from elsewhere.
 void SetLibraryClock(OleDate moment);
+
+// Lets so much time pass on the clock that was set. False, with nothing done, when none was.
+bool AdvanceLibraryClock(int32_t milliseconds);
 
 }  // namespace ambrelio::script_host

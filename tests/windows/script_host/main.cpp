@@ -1,7 +1,10 @@
 // Runs a script of VBScript or JScript, as Windows' own cscript does, but tells errors, delivers
 // messages while it sleeps, and reads Unicode.
 //
-// usage: script_host SCRIPT [ARGUMENT...]
+// usage: script_host [--clock "YYYY-MM-DD HH:MM:SS"] SCRIPT [ARGUMENT...]
+//
+// With --clock the library finds that moment when it looks at the clock, and WScript.Sleep moves it
+// on.
 
 #include "host.h"
 

@@ -8,6 +8,7 @@
 #include "ambrelio/com/errors.h"
 #include "ambrelio/com/late_bound.h"
 #include "ambrelio/com/text.h"
+#include "library_clock.h"
 
 namespace ambrelio::script_host {
 namespace {
@@ -31,7 +32,9 @@ com::OwnedVariant Echo(Arguments arguments) {
 }
 
 com::OwnedVariant Sleep(Arguments arguments) {
-  const ULONGLONG end = ::GetTickCount64() + static_cast<ULONG>(LongArgument(arguments, 0));
+  const LONG milliseconds = LongArgument(arguments, 0);
+  if (AdvanceLibraryClock(milliseconds)) return {};
+  const ULONGLONG end = ::GetTickCount64() + static_cast<ULONG>(milliseconds);
   for (;;) {
     MSG message;
     while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {

@@ -10,7 +10,8 @@
 namespace ambrelio::script_host {
 
 // Echo writes UTF-8 lines to standard output. Sleep delivers the window messages of its thread, as
-// the host programs do whose timers and sockets the library lives by. Quit ends the process.
+// the host programs do whose timers and sockets the library lives by; where the library's clock was
+// set, it moves that on instead of waiting. Quit ends the process.
 com::ComPtr<ScriptObject> MakeWScript(const std::wstring& script_path,
                                       const std::vector<std::wstring>& arguments);
 

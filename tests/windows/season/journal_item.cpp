@@ -153,8 +153,9 @@ com::ComPtr<ScriptObject> MakeJournal() {
     journal->Store(TextArgument(given, 0), LongArgument(given, 1));
   });
   act("Answer", [journal](Arguments given) { journal->Answer(At(given, 0), At(given, 1)); });
-  act("AnswerObject",
-      [](Arguments given) { Write({{"result", {{"object", TextArgument(given, 0)}}}}); });
+  act("AnswerObject", [](Arguments given) {
+    Write({{"result", {{"object", TextArgument(given, 0)}}}});
+  });
   act("AnswerError", [](Arguments given) {
     Write(cli::ErrorJson(AutomationError(LongArgument(given, 0), "", TextArgument(given, 1))));
   });

@@ -1,11 +1,11 @@
-// A journal for scripts: what it says has to be done, and where the answers go. The values are those
-// of the lines to the last bit, which the numbers of a script's own text are not in every engine.
+// A journal for scripts: what it says has to be done, and where the answers go. The values are
+// those of the lines to the last bit, which the numbers of a script's own text are not in every
+// engine.
 //
 //   Open "folder\journal.jsonl"     begins to read
-//   NextLine                        whether there is another line; the library's clock shows its moment
-//   Kind                            "pesada", "call" or "let"
-//   Owner, Number                   the object that is called: "Tolva" and 3, "Trazabilidad", "r"
-//   Member                          "Descargar"
+//   NextLine                        whether there is another line; the library's clock shows its
+//   moment Kind                            "pesada", "call" or "let" Owner, Number the object that
+//   is called: "Tolva" and 3, "Trazabilidad", "r" Member                          "Descargar"
 //   Arguments                       an array; Empty stands for what was left out
 //   Value                           what a property is set to
 //   Column "TOLVA"                  of a weighing
