@@ -1,5 +1,8 @@
 #include "ambrelio/win32/registration.h"
 
+// Before the identifiers that it gives their places.
+#include <initguid.h>
+
 #include <ambrelio.idl.h>
 
 #include <string>
