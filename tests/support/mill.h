@@ -16,13 +16,13 @@
 
 #include "ambrelio/data/session.h"
 #include "ambrelio/data/sql_text.h"
-#include "ambrelio/engine/engine.h"
 #include "ambrelio/frame/trazabilidad.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/kestro/ini_file.h"
 #include "ambrelio/platform/clock.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/locale.h"
+#include "support/mill_engine.h"
 #include "support/probe_engine.h"
 #include "support/temp_folder.h"
 
@@ -76,7 +76,7 @@ class MillTest : public ::testing::Test {
  protected:
   // 4 hoppers, 2 intermediate hoppers, 6 tanks, no password, open.
   void SetUp() override {
-    session.UseEngine(std::make_shared<ProbeEngine>(engine::Create(), probe));
+    session.UseEngine(std::make_shared<ProbeEngine>(MakeMillEngine(), probe));
     host::CreateMillDatabase(session.Engine(), folder.File("oliva.mdb"), "");
     WriteSetting("Vardex.ini", "GENERAL", "MaxTolvas", "4,2,6");
     root.Constructor(folder.path(), false);
@@ -121,7 +121,8 @@ class MillTest : public ::testing::Test {
     for (; !recordset->AtEnd(); recordset->MoveNext()) {
       std::string row;
       for (int i = 0; i < recordset->Fields().Count(); ++i) {
-        row += (i > 0 ? "|" : "") + Show(recordset->Value(i));
+        if (i > 0) row += '|';
+        row += Show(recordset->Value(i));
       }
       rows.push_back(std::move(row));
     }

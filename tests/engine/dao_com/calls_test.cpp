@@ -166,8 +166,8 @@ TEST_F(DaoCalls, MakeATable) {
           "DAO.TableDef.CreateField(\"Nombre\", 10, 50)", "DAO.Field.AllowZeroLength = True",
           "DAO.Field.Required = True", "DAO.Field.DefaultValue = \"'nadie'\"",
           "DAO.Field.OrdinalPosition = 5%", "DAO.TableDef.Fields", "DAO.Fields.Append(<DAO.Field>)",
-          "DAO.TableDef.CreateIndex(\"key\")", "DAO.Index.CreateField(\"Codigo\")",
-          "DAO.Index.Fields", "DAO.Fields.Append(<DAO.Field>)", "DAO.Index.Unique = True",
+          "DAO.TableDef.CreateIndex(\"key\")", "DAO.Index.Fields",
+          "DAO.Index.CreateField(\"Codigo\")", "DAO.Fields.Append(<DAO.Field>)", "DAO.Index.Unique = True",
           "DAO.Index.Primary = True", "DAO.Index.IgnoreNulls = False", "DAO.Index.Required = True",
           "DAO.TableDef.Indexes", "DAO.Indexes.Append(<DAO.Index>)", "DAO.Database.TableDefs",
           "DAO.TableDefs.Append(<DAO.TableDef>)"));
