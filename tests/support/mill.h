@@ -116,8 +116,11 @@ class MillTest : public ::testing::Test {
 
   // The rows of a query or table, each as its values joined by "|".
   std::vector<std::string> Rows(const std::string& source) {
+    return RowsOf(session.Database(), source);
+  }
+  static std::vector<std::string> RowsOf(dao::Database& database, const std::string& source) {
     std::vector<std::string> rows;
-    auto recordset = session.Database().OpenRecordset(source);
+    auto recordset = database.OpenRecordset(source);
     for (; !recordset->AtEnd(); recordset->MoveNext()) {
       std::string row;
       for (int i = 0; i < recordset->Fields().Count(); ++i) {
@@ -136,13 +139,14 @@ class MillTest : public ::testing::Test {
   }
 
   // Every row of every table, as one text that two moments can be compared by.
-  std::string Dump() {
+  std::string Dump() { return DumpOf(session.Database()); }
+  static std::string DumpOf(dao::Database& database) {
     std::string dump;
-    auto& tables = session.Database().TableDefs();
+    auto& tables = database.TableDefs();
     for (int i = 0; i < tables.Count(); ++i) {
       const std::string name = tables.Item(i)->Name();
       if (name.starts_with("MSys")) continue;
-      std::vector<std::string> rows = Rows("select * from [" + name + "]");
+      std::vector<std::string> rows = RowsOf(database, "select * from [" + name + "]");
       std::sort(rows.begin(), rows.end());
       dump += name + "\n";
       for (const std::string& row : rows) dump += "  " + row + "\n";

@@ -1,5 +1,7 @@
 #include "ambrelio/engine/embedded/storage/storage.h"
 
+#include <utility>
+
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/functions/functions.h"
 #include "ambrelio/engine/embedded/storage/catalogue_schema.h"
@@ -86,8 +88,10 @@ void Storage::Configure(Access access) {
   sqlite3_commit_hook(
       db_,
       [](void* self) {
-        const auto* const storage = static_cast<const Storage*>(self);
-        return storage->level_ > 0 && !storage->committing_ ? 1 : 0;
+        auto* const storage = static_cast<Storage*>(self);
+        if (storage->level_ > 0 && !storage->committing_) return 1;
+        storage->unwaited_ = storage->waiting_put_off_;
+        return 0;
       },
       this);
   sqlite3_rollback_hook(
@@ -186,6 +190,7 @@ void Storage::Commit() {
     if (code != SQLITE_OK) RaiseStorageError(db_, sqlite3_extended_errcode(db_));
   }
   --level_;
+  if (wait_at_end_) WaitForAll();
 }
 
 // What was read in the level stays as it was read.
@@ -198,6 +203,7 @@ void Storage::Rollback() {
   }
   ++rollbacks_;  // also of a savepoint, of which no hook tells
   --level_;
+  if (wait_at_end_) WaitForAll();
 }
 
 void Storage::PutOffWaiting() {
@@ -208,11 +214,15 @@ void Storage::PutOffWaiting() {
 
 void Storage::WaitForAll() {
   if (!waiting_put_off_) return;
-  waiting_put_off_ = false;
+  // An error has left a transaction open, and SQLite changes the setting in none.
+  wait_at_end_ = level_ > 0;
+  if (wait_at_end_) return;
   Run("pragma synchronous = full");
+  waiting_put_off_ = false;
+  if (!std::exchange(unwaited_, false)) return;
   sqlite3_file* log = nullptr;
   sqlite3_file_control(db_, "main", SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
-  if (log == nullptr || log->pMethods == nullptr) return;  // nothing was written
+  if (log == nullptr || log->pMethods == nullptr) return;
   const int code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
   if (code != SQLITE_OK) RaiseStorageError(db_, SQLITE_IOERR_FSYNC);
 }

@@ -81,9 +81,10 @@ class Storage {
   void Rollback();
   void RollbackAll();
 
-  // Outside of transactions, commits wait for the disk one by one, unless that is put off; then
-  // WaitForAll waits for all of them at one stroke. It raises what the disk does (3026), and does
-  // nothing where nothing was put off.
+  // Commits wait for the disk one by one, unless that is put off, which has to happen outside of
+  // transactions; then WaitForAll waits for all of them at one stroke. It raises what the disk does
+  // (3026, 3043), and does nothing where nothing was committed. Where a transaction is open, its
+  // end waits.
   void PutOffWaiting();
   void WaitForAll();
 
@@ -125,6 +126,8 @@ class Storage {
   bool has_log_ = false;
   bool alone_ = false;  // nobody else can write
   bool waiting_put_off_ = false;
+  bool unwaited_ = false;     // something was committed since
+  bool wait_at_end_ = false;  // of the transaction that is open
   // No newer than what the open reads outside of transactions see.
   LogState read_state_ = {};
 };
