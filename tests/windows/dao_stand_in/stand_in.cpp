@@ -16,8 +16,6 @@ std::wstring FolderOfProgram() {
 }  // namespace
 
 StandIn::StandIn(Version version) {
-  const HRESULT ready = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-  if (FAILED(ready)) throw std::runtime_error("automation is not ready");
   const std::wstring folder = FolderOfProgram();
   const std::wstring manifest =
       folder + L"dao_stand_in_" + (version == Version::kDao36 ? L"36" : L"120") + L".manifest";
@@ -37,7 +35,6 @@ StandIn::~StandIn() {
   control_ = com::LateBound();
   ::DeactivateActCtx(0, cookie_);
   ::ReleaseActCtx(context_);
-  ::CoUninitialize();
 }
 
 std::vector<std::string> StandIn::Calls() const {

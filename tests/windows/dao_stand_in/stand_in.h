@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "ambrelio/com/apartment.h"
 #include "ambrelio/com/late_bound.h"
 
 namespace ambrelio::test {
@@ -36,6 +37,7 @@ class StandIn {
   }
 
  private:
+  com::Apartment apartment_;
   HANDLE context_ = INVALID_HANDLE_VALUE;
   ULONG_PTR cookie_ = 0;
   com::LateBound control_;

@@ -1,10 +1,9 @@
 #include "ambrelio/engine/dao_com/dao_engine.h"
 
 #include <string>
-#include <utility>
 
+#include "ambrelio/com/apartment.h"
 #include "ambrelio/com/late_bound.h"
-#include "ambrelio/engine/dao_com/dao_object.h"
 #include "ambrelio/engine/dao_com/workspace.h"
 #include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/convert.h"
@@ -20,20 +19,19 @@ com::LateBound Dao() {
   }
 }
 
-class DaoEngine final : public dao::DBEngine, public DaoObject {
+class DaoEngine final : public dao::DBEngine {
  public:
-  explicit DaoEngine(com::LateBound engine)
-      : DaoObject(std::move(engine)), workspace_(dao().ObjectFrom("Workspaces").Item(int32_t{0})) {}
-
-  std::string Version() const override { return ToText(dao().Call("Version")); }
+  std::string Version() const override { return ToText(engine_.Call("Version")); }
   dao::Workspace& DefaultWorkspace() override { return workspace_; }
 
  private:
-  Workspace workspace_;
+  com::Apartment apartment_;  // outlives DAO's objects
+  com::LateBound engine_ = Dao();
+  Workspace workspace_{engine_.ObjectFrom("Workspaces").Item(int32_t{0})};
 };
 
 }  // namespace
 
-std::shared_ptr<dao::DBEngine> CreateEngine() { return std::make_shared<DaoEngine>(Dao()); }
+std::shared_ptr<dao::DBEngine> CreateEngine() { return std::make_shared<DaoEngine>(); }
 
 }  // namespace ambrelio::dao_com

@@ -11,8 +11,8 @@
 
 namespace ambrelio::dao_com {
 
-// DAO 3.6, else the one of the Access database engine; 429 when there is neither. Automation has to
-// be ready on the calling thread (CoInitialize), to which all belongs.
+// DAO 3.6, else the one of the Access database engine; 429 when there is neither. All that came out
+// of it has to go before it does.
 std::shared_ptr<dao::DBEngine> CreateEngine();
 
 }  // namespace ambrelio::dao_com
