@@ -45,8 +45,8 @@ Check "Tolva.DescargaEnCurso", "Long 1", hopper.DescargaEnCurso
 Check "Tolva.MomentoInicio", "Date 2025-11-03 08:00:00", hopper.MomentoInicio
 Check "Tolva.Partidas", "Long 2", hopper.Partidas
 Check "Tolva.Acumulado", "Double 4000", hopper.Acumulado
-Check "Tolva.Composicion(1)", "[[Integer 1, String Ana Ruiz, Double 25, Double 1000], " & _
-    "[Integer 2, String Luis Mora, Double 75, Double 3000]]", hopper.Composicion(1)
+Check "Tolva.Composicion(1)", "[[Long 1, String Ana Ruiz, Double 25, Double 1000], " & _
+    "[Long 2, String Luis Mora, Double 75, Double 3000]]", hopper.Composicion(1)
 Check "Tolva.Composicion(9)", "Empty", hopper.Composicion(9)
 Check "Trasegar", "Boolean True", mill.Trasegar(1, 2, 0.25)
 Check "what came over", "Double 1000", mill.Tolva(2).Acumulado
@@ -110,18 +110,18 @@ a = 300.0
 Check "Deposito.NuevoVaciado", "Long 1", tank.NuevoVaciado(5, a)
 Check "Deposito.NuevoVaciado, sale", "Long 2", _
     tank.NuevoVaciado(0, 100, DateSerial(2025, 11, 3) + TimeSerial(13, 0, 0), Array(2, "L-7", 1, 1, "Jaén"))
-Check "Deposito.NuevoVaciado, refused", "Long 0", tank.NuevoVaciado(3, 100)
+Check "Deposito.NuevoVaciado, refused", "Long 0", tank.NuevoVaciado(0, 100)
 Check "Deposito.UltimoVaciado", "Long 2", tank.UltimoVaciado
 Check "Deposito.UltimoMovimiento", "Integer 2", tank.UltimoMovimiento(a, b, c)
 Check "litres of it", "Double 500", a
 Check "level of it", "Null", b
 Check "moment of it", "Date 2025-11-03 13:00:00", c
-Check "Deposito.Historial", "[[Date 2025-11-03 08:01:00, Integer 1, Integer 1, Long 1], " & _
-    "[Date 2025-11-03 10:00:00, Integer 3, Integer 3, Long 1], " & _
-    "[Date 2025-11-03 11:01:00, Integer 2, Integer 3, Long 1], " & _
-    "[Date 2025-11-03 13:00:00, Integer 2, Integer 3, Long 2]]", tank.Historial
-Check "Deposito.Composicion(1)", "[[Integer 1, String Ana Ruiz, Double 25, Double 125], " & _
-    "[Integer 2, String Luis Mora, Double 75, Double 375]]", tank.Composicion(1)
+Check "Deposito.Historial", "[[Date 2025-11-03 08:01:00, Long 1, Integer 1, Long 1], " & _
+    "[Date 2025-11-03 10:00:00, Long 3, Integer 3, Long 1], " & _
+    "[Date 2025-11-03 11:01:00, Long 2, Integer 3, Long 1], " & _
+    "[Date 2025-11-03 13:00:00, Long 2, Integer 3, Long 2]]", tank.Historial
+Check "Deposito.Composicion(1)", "[[Long 1, String Ana Ruiz, Double 25, Double 125], " & _
+    "[Long 2, String Luis Mora, Double 75, Double 375]]", tank.Composicion(1)
 
 ' --- Readings --------------------------------------------------------------------------------------------
 Set reading = tank.Nivel(1)
@@ -197,7 +197,7 @@ Check "EliminarReferente, none", "Boolean False", mill.EliminarReferente(2, 7)
 ' --- Histories -------------------------------------------------------------------------------------------
 Check "ListaDestinoVenta", "[String Córdoba]", mill.ListaDestinoVenta
 Check "HistoriaDescargas", "[[Date 2025-11-03 08:01:00, Long 1, Integer 1, Integer 3, Double 2400, Empty, Empty]]", _
-    mill.HistoriaDescargas
+    mill.HistoriaDescargas(, , 1, 3)
 Check "HistoriaDescargas of a hopper", "Empty", mill.HistoriaDescargas(, , 3)
 Check "HistoriaNiveles", "[[Date 2025-11-03 10:15:00, Long 1, Empty, Integer 3, Empty, Double 920, Empty]]", _
     mill.HistoriaNiveles(, , 3)
@@ -232,7 +232,7 @@ Check "MargenControlNivel", "Long 3", mill.MargenControlNivel
 mill.Tolva "uno"
 Expect "a word for a number", 13
 mill.Tolva Null
-Expect "Null for a number", 13
+Expect "Null for a number", 94
 mill.Tolva 70000
 Expect "a number beyond its type", 6
 mill.Tolva

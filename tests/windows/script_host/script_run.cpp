@@ -81,10 +81,12 @@ STDMETHODIMP Site::OnScriptError(IActiveScriptError* error) {
   const com::BStr description = com::BStr::Adopt(info.bstrDescription);
   ::SysFreeString(info.bstrHelpFile);
   std::fflush(stdout);
-  std::fprintf(stderr, "%s(%lu): error %d (0x%08lX) of %s: %s\n    %s\n",
-               com::FromWide(script_.path).c_str(), line + 1, com::NumberOf(info.scode),
-               static_cast<unsigned long>(info.scode), source.Text().c_str(),
-               description.Text().c_str(), LineOf(script_.text, line).c_str());
+  std::fprintf(stderr, "%s(%lu): error %d (0x%08lX)%s%s: %s\n", com::FromWide(script_.path).c_str(),
+               line + 1, com::NumberOf(info.scode), static_cast<unsigned long>(info.scode),
+               source.Text().empty() ? "" : " of ", source.Text().c_str(),
+               description.Text().c_str());
+  const std::string text = LineOf(script_.text, line);
+  if (!text.empty()) std::fprintf(stderr, "    %s\n", text.c_str());
   return S_OK;
 }
 
