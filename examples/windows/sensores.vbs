@@ -3,7 +3,7 @@
 '   cscript //nologo sensores.vbs C:\Almazara
 '
 ' En Vardex.ini, PortUDP de la sección SENSORES dice dónde está la pasarela de los sensores. Sin
-' pasarela se puede probar con otra consola: ambrelio gateway --port 9090 lecturas.jsonl
+' pasarela se puede probar con otra consola: ambrelio gateway --port 9090 --script lecturas.jsonl
 Option Explicit
 
 Const NoHaySensor = 0
