@@ -1,12 +1,16 @@
 # What `cmake --install` puts in place: the library with its headers, a package configuration for
-# CMake and pkg-config, and the command line with its manual page and what bash completes.
+# CMake and pkg-config, and the command line with its manual page and what bash completes. The two
+# components are the two Debian packages of Package.cmake.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS ambrelio EXPORT AmbrelioTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
 install(TARGETS ambrelio_app RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/docs/ambrelio.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${PROJECT_SOURCE_DIR}/completions/ambrelio.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ambrelio)
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
+install(TARGETS ambrelio EXPORT AmbrelioTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ambrelio DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE
         PATTERN "engine/dao_com" EXCLUDE)

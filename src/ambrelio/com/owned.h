@@ -76,6 +76,12 @@ class BStr {
     text_ = ::SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
     if (text_ == nullptr) throw std::bad_alloc();
   }
+  // Takes over the text that the caller owns.
+  static BStr Adopt(BSTR text) {
+    BStr owner;
+    owner.text_ = text;
+    return owner;
+  }
   BStr(const BStr&) = delete;
   BStr& operator=(const BStr&) = delete;
   BStr(BStr&& other) noexcept : text_(other.Release()) {}

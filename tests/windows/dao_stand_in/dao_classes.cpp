@@ -1,5 +1,6 @@
 #include "dao_classes.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -127,15 +128,36 @@ ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::TableDef>& table) {
 
 // ---- databases
 
+// The databases that are open, by file and connect text. Whoever opens a file in the process that
+// is open already is given the same one: as with DAO, a level of the workspace is then nobody's
+// lock against the other. Close lets one go, and the last one closes it.
+using OpenFiles = std::map<std::string, std::weak_ptr<dao::Database>>;
+OpenFiles& TheOpenFiles() {
+  static OpenFiles files;
+  return files;
+}
+
 // What a Database object stands for.
 struct OpenDatabase {
-  std::shared_ptr<dao::Database> database;
+  std::shared_ptr<dao::Database> database;  // null when it was closed here, and others have it open
   std::string path;
+  std::string key{};  // in the open files
 
+  dao::Database& Data() const {
+    if (database == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.Database");
+    return *database;
+  }
   // As the client named it, not the file that holds the data.
   std::string Name() const { return path; }
-  int32_t RecordsAffected() const { return database->RecordsAffected(); }
-  void Close() { database->Close(); }
+  int32_t RecordsAffected() const { return Data().RecordsAffected(); }
+  void Close() {
+    if (database.use_count() > 1) {
+      database.reset();
+      return;
+    }
+    Data().Close();
+    TheOpenFiles().erase(key);
+  }
 };
 
 // A recordset with its database, which stays open as long as there is one of them.
@@ -161,30 +183,30 @@ ComPtr<IDispatch> Wrap(std::shared_ptr<OpenRecordset> opened) {
 }
 
 Variant Execute(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
-  on->database->Execute(ToText(arguments[0]), ToLong(arguments[1]));
+  on->Data().Execute(ToText(arguments[0]), ToLong(arguments[1]));
   return {};
 }
 
 Variant OpenRows(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
-  auto rows = on->database->OpenRecordset(ToText(arguments[0]),
-                                          static_cast<dao::RecordsetType>(ToLong(arguments[1])));
+  auto rows = on->Data().OpenRecordset(ToText(arguments[0]),
+                                       static_cast<dao::RecordsetType>(ToLong(arguments[1])));
   return Result(Wrap(std::make_shared<OpenRecordset>(OpenRecordset{on, std::move(rows)})));
 }
 
 Variant CreateTableDef(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
-  return Result(Wrap(on->database->CreateTableDef(ToText(arguments[0]))));
+  return Result(Wrap(on->Data().CreateTableDef(ToText(arguments[0]))));
 }
 
 Variant CreateQueryDef(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
-  return Result(Wrap(on->database->CreateQueryDef(ToText(arguments[0]), ToText(arguments[1]))));
+  return Result(Wrap(on->Data().CreateQueryDef(ToText(arguments[0]), ToText(arguments[1]))));
 }
 
 Variant TableDefsOf(const std::shared_ptr<OpenDatabase>& of, const Arguments&) {
-  return Part("DAO.TableDefs", of, of->database->TableDefs());
+  return Part("DAO.TableDefs", of, of->Data().TableDefs());
 }
 
 Variant QueryDefsOf(const std::shared_ptr<OpenDatabase>& of, const Arguments&) {
-  return Part("DAO.QueryDefs", of, of->database->QueryDefs());
+  return Part("DAO.QueryDefs", of, of->Data().QueryDefs());
 }
 
 ComPtr<IDispatch> Wrap(std::shared_ptr<OpenDatabase> database) {
@@ -210,9 +232,15 @@ Variant Open(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& 
     dao::Raise(DaoError::kWrongPassword, "DAO.Workspace");
   }
   const std::string path = ToText(arguments[0]);
-  auto database = workspace->OpenDatabase(DataOf(path), ToBoolean(arguments[1]),
-                                          ToBoolean(arguments[2]), ToText(arguments[3]));
-  return Result(Wrap(std::make_shared<OpenDatabase>(OpenDatabase{std::move(database), path})));
+  const std::string connect = ToText(arguments[3]);
+  const std::string key = path + (connect == ";pwd=" ? "" : connect);
+  std::shared_ptr<dao::Database> database = TheOpenFiles()[key].lock();
+  if (database == nullptr) {
+    database = workspace->OpenDatabase(DataOf(path), ToBoolean(arguments[1]),
+                                       ToBoolean(arguments[2]), connect);
+    TheOpenFiles()[key] = database;
+  }
+  return Result(Wrap(std::make_shared<OpenDatabase>(OpenDatabase{std::move(database), path, key})));
 }
 
 Variant Create(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& arguments) {

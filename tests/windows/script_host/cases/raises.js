@@ -1,0 +1,4 @@
+WScript.Echo("before");
+
+  throw new Error(3061, "Too few parameters.");
+WScript.Echo("after");
