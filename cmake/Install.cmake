@@ -8,7 +8,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/docs/ambrelio.1 DESTINATION ${CMAKE_INSTALL_
 install(FILES ${PROJECT_SOURCE_DIR}/completions/ambrelio.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ambrelio)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ambrelio DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE)
+        FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE
+        PATTERN "engine/dao_com" EXCLUDE)
 
 set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Ambrelio)
 install(EXPORT AmbrelioTargets NAMESPACE Ambrelio:: DESTINATION ${config_folder})

@@ -7,7 +7,7 @@ _ambrelio_options() {
     create) echo --app --vardex3 --masters ;;
     journal) echo --app --vardex3 --keep-going ;;
     call) echo "$answer" ;;
-    sql) echo "$answer" --password ;;
+    sql) echo "$answer" --password --plan ;;
     deposito) echo "$answer" --historia --formula --por ;;
     vaciado | descarga) echo "$answer" --por ;;
     tolva) echo "$answer" --historia --por ;;

@@ -30,13 +30,6 @@ TEST_F(EngineChoice, OpensItsOwnFilesUnderAnyName) {
   EXPECT_EQ(OpenError(), 0);
 }
 
-TEST_F(EngineChoice, RefusesJetFilesByTheirFirstBytes) {
-  Write(std::string("\0\1\0\0Standard Jet DB\0", 20) + std::string(4096, '\0'));
-  EXPECT_EQ(OpenError(), 3343);
-  Write(std::string("\0\1\0\0Standard ACE DB\0", 20) + std::string(4096, '\0'));
-  EXPECT_EQ(OpenError(), 3343);
-}
-
 TEST_F(EngineChoice, RefusesAnythingElse) {
   Write("Olivar;Kilos\nLa Cañada;1250\n");
   EXPECT_EQ(OpenError(), 3343);

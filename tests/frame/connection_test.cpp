@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 class Connection : public test::MillTest {
  protected:
   void SetUp() override {
-    session.UseEngine(std::make_shared<test::ProbeEngine>(engine::Create(), probe));
+    session.UseEngine(std::make_shared<test::ProbeEngine>(test::MakeMillEngine(), probe));
     host::CreateMillDatabase(session.Engine(), folder.File("open.mdb"), "");
     host::CreateMillDatabase(session.Engine(), folder.File("kept.mdb"), "Secreto");
     probe->events.clear();

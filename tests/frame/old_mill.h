@@ -21,7 +21,7 @@ class OldMillTest : public MillTest {
 
   // A session on an empty database; the test makes the tables and calls Open.
   void SetUp() override {
-    session.UseEngine(std::make_shared<ProbeEngine>(engine::Create(), probe));
+    session.UseEngine(std::make_shared<ProbeEngine>(MakeMillEngine(), probe));
     session.SetDatabase(session.Workspace().CreateDatabase(folder.File("oliva.mdb"), ";pwd="));
   }
 

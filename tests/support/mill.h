@@ -16,13 +16,13 @@
 
 #include "ambrelio/data/session.h"
 #include "ambrelio/data/sql_text.h"
-#include "ambrelio/engine/engine.h"
 #include "ambrelio/frame/trazabilidad.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/kestro/ini_file.h"
 #include "ambrelio/platform/clock.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/locale.h"
+#include "support/mill_engine.h"
 #include "support/probe_engine.h"
 #include "support/temp_folder.h"
 
@@ -76,7 +76,7 @@ class MillTest : public ::testing::Test {
  protected:
   // 4 hoppers, 2 intermediate hoppers, 6 tanks, no password, open.
   void SetUp() override {
-    session.UseEngine(std::make_shared<ProbeEngine>(engine::Create(), probe));
+    session.UseEngine(std::make_shared<ProbeEngine>(MakeMillEngine(), probe));
     host::CreateMillDatabase(session.Engine(), folder.File("oliva.mdb"), "");
     WriteSetting("Vardex.ini", "GENERAL", "MaxTolvas", "4,2,6");
     root.Constructor(folder.path(), false);
@@ -116,12 +116,16 @@ class MillTest : public ::testing::Test {
 
   // The rows of a query or table, each as its values joined by "|".
   std::vector<std::string> Rows(const std::string& source) {
+    return RowsOf(session.Database(), source);
+  }
+  static std::vector<std::string> RowsOf(dao::Database& database, const std::string& source) {
     std::vector<std::string> rows;
-    auto recordset = session.Database().OpenRecordset(source);
+    auto recordset = database.OpenRecordset(source);
     for (; !recordset->AtEnd(); recordset->MoveNext()) {
       std::string row;
       for (int i = 0; i < recordset->Fields().Count(); ++i) {
-        row += (i > 0 ? "|" : "") + Show(recordset->Value(i));
+        if (i > 0) row += '|';
+        row += Show(recordset->Value(i));
       }
       rows.push_back(std::move(row));
     }
@@ -135,13 +139,14 @@ class MillTest : public ::testing::Test {
   }
 
   // Every row of every table, as one text that two moments can be compared by.
-  std::string Dump() {
+  std::string Dump() { return DumpOf(session.Database()); }
+  static std::string DumpOf(dao::Database& database) {
     std::string dump;
-    auto& tables = session.Database().TableDefs();
+    auto& tables = database.TableDefs();
     for (int i = 0; i < tables.Count(); ++i) {
       const std::string name = tables.Item(i)->Name();
       if (name.starts_with("MSys")) continue;
-      std::vector<std::string> rows = Rows("select * from [" + name + "]");
+      std::vector<std::string> rows = RowsOf(database, "select * from [" + name + "]");
       std::sort(rows.begin(), rows.end());
       dump += name + "\n";
       for (const std::string& row : rows) dump += "  " + row + "\n";

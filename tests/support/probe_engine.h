@@ -23,6 +23,8 @@ struct Probe {
   int level = 0;
   // What another process does to the real database just before a stored query is made; once.
   std::function<void(dao::Database&)> before_new_query;
+  // Looks on before each request.
+  std::function<void()> before_request;
 
   // Fails the `request`th of what `events` lists from now on (1 is the next) with error `number`;
   // the real engine never sees it.
@@ -38,6 +40,7 @@ struct Probe {
 
   // Takes note of a request; whether it is to reach the real engine.
   bool Meet(const std::string& event) {
+    if (before_request) before_request();
     events.push_back(event);
     if (countdown_ == 0 || --countdown_ > 0) return true;
     if (error_ != 0) throw AutomationError(error_, "Test", "A failure made for the test.");

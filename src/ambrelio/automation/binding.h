@@ -110,19 +110,23 @@ class Slot {
   Value value_;
 };
 
-// Calls `call(slot values...)` with the arguments read, and writes them back.
+// Calls `call(slot values...)` with the arguments read, and writes them back: also when it raises,
+// as what an argument refers to stays changed then.
 template <class R, class... A, class F, size_t... kIndex>
 Variant CallWithSlots(F&& call, [[maybe_unused]] Arguments& arguments,
                       std::index_sequence<kIndex...>) {
   std::tuple<Slot<A>...> slots{Slot<A>(arguments[kIndex])...};
-  Variant result;
+  struct WriteBackAtEnd {
+    ~WriteBackAtEnd() { (std::get<kIndex>(slots).WriteBack(), ...); }
+    std::tuple<Slot<A>...>& slots;
+  };
+  const WriteBackAtEnd at_end{slots};
   if constexpr (std::is_void_v<R>) {
     call(std::get<kIndex>(slots).value()...);
+    return {};
   } else {
-    result = ResultValue(call(std::get<kIndex>(slots).value()...));
+    return ResultValue(call(std::get<kIndex>(slots).value()...));
   }
-  (std::get<kIndex>(slots).WriteBack(), ...);
-  return result;
 }
 
 // What a row needs to know of the C++ function it names.

@@ -76,19 +76,31 @@ const Member& MemberOf(const Object& object, std::string_view name, Access acces
   return *member;
 }
 
-CallResult Call(Object& object, const Member& member, Arguments arguments) {
-  CheckCount(member, arguments.size());
-  const Arguments before = Prepare(member, arguments);
+void Perform(Object& object, const Member& member, CallResult& call) {
+  call.changed.assign(call.arguments.size(), false);
+  CheckCount(member, call.arguments.size());
+  const Arguments before = Prepare(member, call.arguments);
   Arguments after = before;
-  CallResult call;
-  call.result = member.invoke(object, after);
-  call.changed.resize(arguments.size());
-  for (size_t i = 0; i < arguments.size(); ++i) {
-    if (!arguments[i].has_value() || after[i] == before[i]) continue;
-    call.changed[i] = true;
-    arguments[i] = std::move(after[i]);
+  const auto take_back = [&] {
+    for (size_t i = 0; i < call.arguments.size(); ++i) {
+      if (!call.arguments[i].has_value() || after[i] == before[i]) continue;
+      call.changed[i] = true;
+      call.arguments[i] = std::move(after[i]);
+    }
+  };
+  try {
+    call.result = member.invoke(object, after);
+  } catch (...) {
+    take_back();
+    throw;
   }
+  take_back();
+}
+
+CallResult Call(Object& object, const Member& member, Arguments arguments) {
+  CallResult call;
   call.arguments = std::move(arguments);
+  Perform(object, member, call);
   return call;
 }
 

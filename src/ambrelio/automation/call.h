@@ -24,6 +24,9 @@ struct CallResult {
 // 6, 13 and 94 from the conversions, and whatever the member raises.
 CallResult Call(Object& object, std::string_view member, Access access, Arguments arguments);
 CallResult Call(Object& object, const Member& member, Arguments arguments);
+// The same with the arguments that `call` holds. When the member raises, they and `changed` tell
+// what it had changed before.
+void Perform(Object& object, const Member& member, CallResult& call);
 
 // The member that such a call reaches; raises 438.
 const Member& MemberOf(const Object& object, std::string_view name, Access access);

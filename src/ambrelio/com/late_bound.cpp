@@ -55,6 +55,9 @@ Variant LateBound::AsArgument() const {
 
 DISPID LateBound::IdOf(std::string_view member) const {
   if (!object_) Raise(RuntimeError::kObjectNotSet);
+  for (const auto& [known, id] : ids_) {
+    if (known == member) return id;
+  }
   std::wstring name = ToWide(member);
   wchar_t* names[] = {name.data()};
   DISPID id = DISPID_UNKNOWN;
@@ -66,7 +69,7 @@ DISPID LateBound::IdOf(std::string_view member) const {
     }
   }
   if (FAILED(result)) Raise(RuntimeError::kMemberNotFound, std::string(member));
-  return id;
+  return ids_.emplace_back(member, id).second;
 }
 
 OwnedVariant LateBound::Invoke(DISPID member, std::string_view name, WORD flags,

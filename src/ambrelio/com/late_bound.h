@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ambrelio/com/conversion.h"
@@ -24,7 +25,8 @@ ComPtr<IDispatch> CreateObject(std::string_view prog_id);
 
 // A reference to an object, called as Visual Basic calls: a failure comes out as an AutomationError
 // with the object's own number, source and description; a member it lacks as 438; any call on
-// Nothing as 91. Names compare without regard to case.
+// Nothing as 91. Names compare without regard to case; each is looked up once, so that a loop over one
+// object costs its calls only.
 class LateBound {
  public:
   LateBound() = default;  // Nothing
@@ -52,6 +54,8 @@ class LateBound {
                       const std::vector<Variant>& arguments) const;
 
   ComPtr<IDispatch> object_;
+  // The numbers of the members called so far; they hold for the object's life.
+  mutable std::vector<std::pair<std::string, DISPID>> ids_;
 };
 
 }  // namespace ambrelio::com

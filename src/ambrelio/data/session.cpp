@@ -4,14 +4,12 @@
 
 #include "ambrelio/engine/engine.h"
 #include "ambrelio/platform/clock.h"
+#include "ambrelio/platform/thread_value.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {
 
-Session& Session::Current() {
-  thread_local Session session;
-  return session;
-}
+Session& Session::Current() { return ThreadValue<Session>(); }
 
 dao::DBEngine& Session::Engine() {
   if (!engine_) engine_ = engine::Create();
@@ -34,6 +32,12 @@ void Session::CloseDatabase() {
   // The closed database is kept: objects handed out before then fail with 3420, as long as nothing
   // else is opened.
   if (std::exchange(open_, false)) database_->Close();
+}
+
+void Session::ReleaseEngine() {
+  CloseDatabase();
+  database_ = nullptr;
+  engine_ = nullptr;
 }
 
 EventLoop& Session::Events() {

@@ -37,6 +37,9 @@ class Session {
   void SetDatabase(std::shared_ptr<dao::Database> database);
   // Closes the database if it is open; the flag falls even when the closing fails.
   void CloseDatabase();
+  // Closes the database and lets go of it and of the engine: for a door whose thread has no object
+  // left that could use them. The next use makes a new engine.
+  void ReleaseEngine();
 
   // The present moment, whole seconds.
   OleDate Now() const;

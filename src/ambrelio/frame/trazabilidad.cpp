@@ -1,6 +1,7 @@
 #include "ambrelio/frame/trazabilidad.h"
 
 #include "ambrelio/data/glob_traza.h"
+#include "ambrelio/data/stretch.h"
 #include "ambrelio/frame/connection.h"
 #include "ambrelio/frame/histories.h"
 #include "ambrelio/frame/settings.h"
@@ -119,12 +120,16 @@ bool Trazabilidad::Trasegar(int16_t org, int16_t dno, double qto) {
   const auto is_hopper = [this](int16_t tva) { return tva >= 1 && tva <= session_.hopper_count; };
   if (!(qto >= 0)) return false;  // a NaN is refused too
   if (org == dno || !is_hopper(org) || !is_hopper(dno)) return false;
-  const auto origin = data::CurrentDischarge(session_, org);
-  if (!origin) return false;
-  const auto target = data::CurrentDischarge(session_, dno);
-  if (!target) return false;
   if (qto == 0 || qto > 1) qto = 1;
-  return ReassignDischarge(session_, org, origin->number, dno, target->number, qto);
+  bool moved = false;
+  data::InOneStretch(session_, [&] {
+    const auto origin = data::CurrentDischarge(session_, org);
+    if (!origin) return;
+    const auto target = data::CurrentDischarge(session_, dno);
+    if (!target) return;
+    moved = ReassignDischarge(session_, org, origin->number, dno, target->number, qto);
+  });
+  return moved;
 }
 
 Variant Trazabilidad::HistoriaDescargas(const Variant& dde, const Variant& hta, int16_t tva,

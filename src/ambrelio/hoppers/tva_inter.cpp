@@ -2,6 +2,7 @@
 
 #include "ambrelio/data/glob_traza.h"
 #include "ambrelio/data/queries.h"
+#include "ambrelio/data/stretch.h"
 #include "ambrelio/kestro/tools.h"
 #include "ambrelio/value/convert.h"
 
@@ -11,11 +12,16 @@ using kestro::Tools;
 
 bool TvaInter::DescargarEn(int16_t dno) {
   if (dno < 1 || dno > session_.hopper_count) return false;
-  const auto current = data::CurrentDischarge(session_, dno);
-  if (!current) return false;
-  session_.Database().Execute("update PESADA set TOLVA=" + Tools::IntegerText(dno) + ", DESCARGA=" +
-                              Tools::LongText(current->number) + " where " + Marker());
-  return true;
+  bool moved = false;
+  data::InOneStretch(session_, [&] {
+    const auto current = data::CurrentDischarge(session_, dno);
+    if (!current) return;
+    session_.Database().Execute("update PESADA set TOLVA=" + Tools::IntegerText(dno) +
+                                ", DESCARGA=" + Tools::LongText(current->number) + " where " +
+                                Marker());
+    moved = true;
+  });
+  return moved;
 }
 
 int32_t TvaInter::Partidas() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "ambrelio/data/stretch.h"
 #include "ambrelio/hoppers/tolva.h"
 #include "ambrelio/host/sql_literal.h"
 #include "ambrelio/value/ascii.h"
@@ -33,9 +34,7 @@ Variant AsColumn(const Variant& value, dao::FieldType type) {
   return moment ? Variant(*moment) : value;
 }
 
-}  // namespace
-
-int32_t StoreWeighing(Session& session, const WeighingColumns& columns) {
+int32_t Store(Session& session, const WeighingColumns& columns) {
   const auto table = session.Database().TableDefs().Item("PESADA");
   std::string names;
   std::string values;
@@ -57,6 +56,15 @@ int32_t StoreWeighing(Session& session, const WeighingColumns& columns) {
   }
   session.Database().Execute("insert into PESADA (" + names + ") values (" + values + ")",
                              dao::kFailOnError);
+  return discharge;
+}
+
+}  // namespace
+
+// The first weighing of a hopper makes its discharge, too.
+int32_t StoreWeighing(Session& session, const WeighingColumns& columns) {
+  int32_t discharge = 0;
+  data::InOneStretch(session, [&] { discharge = Store(session, columns); });
   return discharge;
 }
 

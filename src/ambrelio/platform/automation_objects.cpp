@@ -4,7 +4,6 @@
 
 #include "ambrelio/platform/characters.h"
 #include "ambrelio/platform/system_object.h"
-#include "ambrelio/platform/system_objects.h"
 #include "ambrelio/value/automation_error.h"
 
 namespace ambrelio {
@@ -21,7 +20,6 @@ std::shared_ptr<AutomationObject> AutomationObjects::Create(std::string_view pro
   } else if (auto object = CreateSystemObject(prog_id)) {
     return object;
   }
-  if (auto object = CreateSystemObject(prog_id)) return object;
   Raise(RuntimeError::kCannotCreateObject, std::string(prog_id));
 }
 

@@ -89,6 +89,7 @@ struct EventLoop::State {
   std::map<SocketHandle, Event> watches;
   SocketHandle last_served = -1;
   bool timers_turn = false;
+  Waiter* waiter = nullptr;
 };
 
 EventLoop::EventLoop(TickClock& clock) : state_(std::make_unique<State>(clock)) {}
@@ -112,14 +113,17 @@ bool EventLoop::RunUntil(const std::function<bool()>& done, Milliseconds limit) 
 }
 
 void EventLoop::RunUntilIdle() {
-  while (state_->DeliverOne()) {
+  while (RunNext()) {
   }
 }
+
+bool EventLoop::RunNext() { return state_->DeliverOne(); }
 
 EventLoop::TimerId EventLoop::StartTimer(Milliseconds delay, Handler handler) {
   const TimerId timer = ++state_->last_timer;
   state_->timers.emplace(std::pair(After(state_->clock.Now(), delay), timer),
                          std::make_shared<Handler>(std::move(handler)));
+  if (state_->waiter != nullptr) state_->waiter->TimersChanged();
   return timer;
 }
 
@@ -127,15 +131,32 @@ void EventLoop::StopTimer(TimerId timer) {
   const auto at = std::find_if(state_->timers.begin(), state_->timers.end(),
                                [timer](const auto& entry) { return entry.first.second == timer; });
   // The handler goes after its entry: what it holds may stop other timers as it goes.
-  if (at != state_->timers.end()) const auto stopped = state_->timers.extract(at);
+  if (at == state_->timers.end()) return;
+  const auto stopped = state_->timers.extract(at);
+  if (state_->waiter != nullptr) state_->waiter->TimersChanged();
 }
 
 void EventLoop::Watch(SocketHandle socket, Handler readable) {
   state_->watches[socket] = std::make_shared<Handler>(std::move(readable));
+  if (state_->waiter != nullptr) state_->waiter->Watching(socket);
 }
 
 void EventLoop::StopWatching(SocketHandle socket) {
   const auto stopped = state_->watches.extract(socket);
+  if (!stopped.empty() && state_->waiter != nullptr) state_->waiter->StoppedWatching(socket);
+}
+
+void EventLoop::SetWaiter(Waiter* waiter) {
+  state_->waiter = waiter;
+  if (waiter == nullptr) return;
+  waiter->TimersChanged();
+  for (const SocketHandle socket : state_->Sockets()) waiter->Watching(socket);
+}
+
+std::optional<Milliseconds> EventLoop::UntilNextTimer() const {
+  if (state_->timers.empty()) return std::nullopt;
+  const Milliseconds due = state_->timers.begin()->first.first;
+  return std::max(due - state_->clock.Now(), Milliseconds(0));
 }
 
 }  // namespace ambrelio

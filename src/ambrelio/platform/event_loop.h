@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace ambrelio {
 
@@ -47,6 +48,17 @@ class EventLoop {
   using TimerId = uint64_t;
   using SocketHandle = std::intptr_t;  // of the system
 
+  // Waits in the loop's place for what it has to deliver, where the host has a message loop of its
+  // own: told what to wait for, it lets the loop deliver by RunNext when that has come.
+  class Waiter {
+   public:
+    virtual ~Waiter() = default;
+    // UntilNextTimer may have changed.
+    virtual void TimersChanged() = 0;
+    virtual void Watching(SocketHandle socket) = 0;
+    virtual void StoppedWatching(SocketHandle socket) = 0;
+  };
+
   // `clock` must outlive the loop; sockets and timers must not.
   explicit EventLoop(TickClock& clock = TickClock::System());
   ~EventLoop();
@@ -60,6 +72,8 @@ class EventLoop {
   bool RunUntil(const std::function<bool()>& done, Milliseconds limit);
   // Delivers what is due and what that makes due at once; never waits.
   void RunUntilIdle();
+  // Delivers one event that is due; false when there is none.
+  bool RunNext();
 
   // Calls `handler` once, `delay` from now. Timers due at the same moment are delivered in the
   // order of their starts.
@@ -71,6 +85,12 @@ class EventLoop {
   // any timer, its own included.
   void Watch(SocketHandle socket, Handler readable);
   void StopWatching(SocketHandle socket);
+
+  // From now on until another one is set, or null; told at once of the timers and watches there
+  // are.
+  void SetWaiter(Waiter* waiter);
+  // The time left until the first timer is due, not below 0; nothing without timers.
+  std::optional<Milliseconds> UntilNextTimer() const;
 
  private:
   struct State;

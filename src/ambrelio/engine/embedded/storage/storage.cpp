@@ -1,5 +1,7 @@
 #include "ambrelio/engine/embedded/storage/storage.h"
 
+#include <utility>
+
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/functions/functions.h"
 #include "ambrelio/engine/embedded/storage/catalogue_schema.h"
@@ -49,8 +51,9 @@ std::string Quoted(std::string_view text, char quote) {
 
 }  // namespace
 
+// Without mutexes: an engine belongs to one thread.
 Storage::Storage(const std::string& path, int flags) : path_(path) {
-  const int code = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
+  const int code = sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   if (code == SQLITE_OK) return;
   const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(db_, sqlite3_close_v2);
   RaiseOpenError(db_, code, path);
@@ -59,6 +62,7 @@ Storage::Storage(const std::string& path, int flags) : path_(path) {
 Storage::~Storage() {
   reads_.Abandon();
   data_version_query_.reset();
+  kept_.clear();
   // Whoever still holds a statement keeps the connection alive, but it shall hold no lock.
   for (sqlite3_stmt* rest = sqlite3_next_stmt(db_, nullptr); rest != nullptr;
        rest = sqlite3_next_stmt(db_, rest)) {
@@ -86,8 +90,10 @@ void Storage::Configure(Access access) {
   sqlite3_commit_hook(
       db_,
       [](void* self) {
-        const auto* const storage = static_cast<const Storage*>(self);
-        return storage->level_ > 0 && !storage->committing_ ? 1 : 0;
+        auto* const storage = static_cast<Storage*>(self);
+        if (storage->level_ > 0 && !storage->committing_) return 1;
+        storage->unwaited_ = storage->waiting_put_off_;
+        return 0;
       },
       this);
   sqlite3_rollback_hook(
@@ -106,7 +112,7 @@ void Storage::Configure(Access access) {
                sqlite3_db_readonly(db_, "main") == 1;
   alone_ = access == Access::kExclusive || access == Access::kExclusiveReadOnly;
   StorageStatement journal(db_, "pragma journal_mode");
-  has_log_ = journal.Step() && journal.Text(0) == "wal";
+  if (journal.Step() && journal.Text(0) == "wal") log_.emplace(db_);
 }
 
 std::unique_ptr<Storage> Storage::Open(const std::string& path, Access access) {
@@ -154,6 +160,15 @@ void Storage::Run(const std::string& sql) {
   }
 }
 
+void Storage::RunKept(const std::string& sql) {
+  const auto place = kept_.find(sql);
+  StorageStatement& statement = place != kept_.end()
+                                    ? place->second
+                                    : kept_.emplace(sql, StorageStatement(db_, sql)).first->second;
+  statement.Step();
+  statement.Reset();
+}
+
 int64_t Storage::Changes() const { return sqlite3_changes64(db_); }
 
 bool Storage::transaction_lost() const { return level_ > 0 && sqlite3_get_autocommit(db_) != 0; }
@@ -164,9 +179,9 @@ void Storage::Begin() {
   SettleReads();
   if (!transaction_lost()) {
     if (level_ > 0) {
-      Run("savepoint " + Savepoint(level_ + 1));
+      RunKept("savepoint " + Savepoint(level_ + 1));
     } else {
-      Run(read_only_ ? "begin" : "begin immediate");
+      RunKept(read_only_ ? "begin" : "begin immediate");
     }
   }
   ++level_;
@@ -178,14 +193,19 @@ void Storage::Commit() {
   SettleReads();
   if (level_ == 0 || transaction_lost()) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
   if (level_ > 1) {
-    Run("release " + Savepoint(level_));
+    RunKept("release " + Savepoint(level_));
   } else {
     committing_ = true;
-    const int code = sqlite3_exec(db_, "commit", nullptr, nullptr, nullptr);
+    try {
+      RunKept("commit");
+    } catch (...) {
+      committing_ = false;
+      throw;
+    }
     committing_ = false;
-    if (code != SQLITE_OK) RaiseStorageError(db_, sqlite3_extended_errcode(db_));
   }
   --level_;
+  if (wait_at_end_) WaitForAll();
 }
 
 // What was read in the level stays as it was read.
@@ -193,26 +213,35 @@ void Storage::Rollback() {
   SettleReads();
   if (level_ == 0) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
   if (!transaction_lost()) {
-    const std::string savepoint = Savepoint(level_);
-    Run(level_ > 1 ? "rollback to " + savepoint + "; release " + savepoint : "rollback");
+    if (level_ > 1) {
+      RunKept("rollback to " + Savepoint(level_));
+      RunKept("release " + Savepoint(level_));
+    } else {
+      RunKept("rollback");
+    }
   }
   ++rollbacks_;  // also of a savepoint, of which no hook tells
   --level_;
+  if (wait_at_end_) WaitForAll();
 }
 
 void Storage::PutOffWaiting() {
-  if (waiting_put_off_ || level_ > 0 || !has_log_ || read_only_) return;
+  if (waiting_put_off_ || level_ > 0 || !log_ || read_only_) return;
   Run("pragma synchronous = normal");
   waiting_put_off_ = true;
 }
 
 void Storage::WaitForAll() {
   if (!waiting_put_off_) return;
-  waiting_put_off_ = false;
+  // An error has left a transaction open, and SQLite changes the setting in none.
+  wait_at_end_ = level_ > 0;
+  if (wait_at_end_) return;
   Run("pragma synchronous = full");
+  waiting_put_off_ = false;
+  if (!std::exchange(unwaited_, false)) return;
   sqlite3_file* log = nullptr;
   sqlite3_file_control(db_, "main", SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&log));
-  if (log == nullptr || log->pMethods == nullptr) return;  // nothing was written
+  if (log == nullptr || log->pMethods == nullptr) return;
   const int code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
   if (code != SQLITE_OK) RaiseStorageError(db_, SQLITE_IOERR_FSYNC);
 }
@@ -223,9 +252,9 @@ void Storage::RollbackAll() {
   level_ = 0;
 }
 
-std::optional<LogState> Storage::SharedState() const {
+std::optional<LogState> Storage::SharedState() {
   if (alone_) return LogState{};
-  return has_log_ ? ReadLogState(db_) : std::nullopt;
+  return log_ ? log_->Read() : std::nullopt;
 }
 
 void Storage::Register(const std::shared_ptr<OpenRead>& read) {
@@ -233,26 +262,42 @@ void Storage::Register(const std::shared_ptr<OpenRead>& read) {
   if (!SharedState()) SettleReads();
 }
 
-void Storage::CatchUp() noexcept {
-  // A transaction sees one moment from its beginning to its end.
-  if (sqlite3_get_autocommit(db_) == 0) return;
+bool Storage::CatchUp() noexcept {
   const std::optional<LogState> now = SharedState();
-  const bool reading = sqlite3_txn_state(db_, "main") != SQLITE_TXN_NONE;
-  if (reading && now != read_state_) SettleReads();
-  // Taken before the next reading begins: what that sees is this or newer.
-  if (now) read_state_ = *now;
+  // A transaction sees one moment from its beginning to its end.
+  if (sqlite3_get_autocommit(db_) != 0) {
+    const bool reading = sqlite3_txn_state(db_, "main") != SQLITE_TXN_NONE;
+    if (reading && now != read_state_) SettleReads();
+    // Taken before the next reading begins: what that sees is this or newer.
+    if (now) read_state_ = *now;
+  }
+  return now && now == looked_at_;
+}
+
+bool Storage::IsAsLookedAt() {
+  const std::optional<LogState> now = SharedState();
+  return now && now == looked_at_;
 }
 
 bool Storage::ChangedByOthers() {
-  CatchUp();
+  // A transaction that only reads begins with its first question to the file: with this one.
+  const bool only_reads = level_ > 0 && read_only_;
+  if (CatchUp() && !only_reads) return false;
   if (!data_version_query_) {
     data_version_query_ = std::make_unique<StorageStatement>(db_, "pragma data_version");
   }
+  const std::optional<LogState> now = SharedState();
   data_version_query_->Step();
   const int64_t version = data_version_query_->Integer(0);
   data_version_query_->Reset();
   const bool changed = version != data_version_;
   data_version_ = version;
+  if (!now || only_reads) {
+    looked_at_.reset();
+  } else {
+    // A transaction that writes keeps all others from committing.
+    looked_at_ = level_ > 0 ? *now : read_state_;
+  }
   return changed;
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string_view>
 
 #include "ambrelio/dao/errors.h"
@@ -38,16 +39,22 @@ void CheckFolder(const std::string& path) {
   }
 }
 
-std::string ReadHeader(const std::string& path) {
+// Nothing when the file cannot be read.
+std::optional<std::string> ReadHeader(const std::string& path) {
   std::ifstream file(FilePath(path), std::ios::binary);
-  if (!file) {
-    dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied, kSource,
-               path);
-  }
+  if (!file) return std::nullopt;
   std::string header(kHeaderSize, '\0');
   file.read(header.data(), static_cast<std::streamsize>(header.size()));
   header.resize(static_cast<size_t>(file.gcount()));
   return header;
+}
+
+// The format that a file of Jet names in its header; "" for any other file.
+std::string_view JetFormat(std::string_view header) {
+  for (const std::string_view format : {"Standard Jet DB", "Standard ACE DB"}) {
+    if (header.size() > kJetMarkAt && header.substr(kJetMarkAt).starts_with(format)) return format;
+  }
+  return {};
 }
 
 int32_t NumberAt(std::string_view header, size_t place) {
@@ -59,12 +66,10 @@ int32_t NumberAt(std::string_view header, size_t place) {
 }
 
 void CheckHeader(std::string_view header, const std::string& path) {
-  for (const std::string_view jet : {"Standard Jet DB", "Standard ACE DB"}) {
-    if (header.size() > kJetMarkAt && header.substr(kJetMarkAt).starts_with(jet)) {
-      throw AutomationError(static_cast<int>(DaoError::kUnrecognisedFormat), kSource,
-                            "This build cannot open files of the format '" + std::string(jet) +
-                                "' yet: '" + path + "'.");
-    }
+  if (const std::string_view jet = JetFormat(header); !jet.empty()) {
+    throw AutomationError(static_cast<int>(DaoError::kUnrecognisedFormat), kSource,
+                          "This build cannot open files of the format '" + std::string(jet) +
+                              "' yet: '" + path + "'.");
   }
   if (!header.starts_with(kSqliteMark)) dao::Raise(DaoError::kUnrecognisedFormat, kSource, path);
   if (header.size() < kHeaderSize) dao::Raise(DaoError::kNotADatabaseOrDamaged, kSource, path);
@@ -84,7 +89,17 @@ void CheckDatabaseFile(const std::string& path) {
     dao::Raise(DaoError::kFileNotFound, kSource, path);
   }
   if (status.type() != fs::file_type::regular) dao::Raise(DaoError::kAccessDenied, kSource, path);
-  CheckHeader(ReadHeader(path), path);
+  const std::optional<std::string> header = ReadHeader(path);
+  if (!header) {
+    dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied, kSource,
+               path);
+  }
+  CheckHeader(*header, path);
+}
+
+bool IsJetFile(const std::string& path) {
+  const std::optional<std::string> header = ReadHeader(path);
+  return header && !JetFormat(*header).empty();
 }
 
 bool CompanionExists(const std::string& path, const char* suffix) {

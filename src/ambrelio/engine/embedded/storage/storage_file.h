@@ -16,6 +16,9 @@ inline constexpr int32_t kFormatVersion = 1;
 // 3343, 3049.
 void CheckDatabaseFile(const std::string& path);
 
+// Whether there is a file that begins as those of Jet and its successor do.
+bool IsJetFile(const std::string& path);
+
 // Whether there is a file `path` + `suffix`.
 bool CompanionExists(const std::string& path, const char* suffix);
 

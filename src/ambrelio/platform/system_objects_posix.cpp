@@ -1,7 +1,0 @@
-#include "ambrelio/platform/system_objects.h"
-
-namespace ambrelio {
-
-std::shared_ptr<AutomationObject> CreateSystemObject(std::string_view) { return nullptr; }
-
-}  // namespace ambrelio

@@ -1,0 +1,37 @@
+// The engine that tests of a mill work on: the session's own, or DAO's adapter over the stand-in in
+// the programs that are built with AMBRELIO_TEST_OVER_DAO.
+#pragma once
+
+#include <memory>
+
+#include "ambrelio/dao/database.h"
+
+#ifdef AMBRELIO_TEST_OVER_DAO
+#include "ambrelio/engine/dao_com/dao_engine.h"
+#include "windows/dao_stand_in/stand_in.h"
+#else
+#include "ambrelio/engine/engine.h"
+#endif
+
+namespace ambrelio::test {
+
+#ifdef AMBRELIO_TEST_OVER_DAO
+
+inline StandIn& TheStandIn() {
+  // Never destroyed: sessions of threads may end after it would be.
+  static auto* const stand_in = new StandIn;
+  return *stand_in;
+}
+
+inline std::shared_ptr<dao::DBEngine> MakeMillEngine() {
+  TheStandIn();
+  return dao_com::CreateEngine();
+}
+
+#else
+
+inline std::shared_ptr<dao::DBEngine> MakeMillEngine() { return engine::Create(); }
+
+#endif
+
+}  // namespace ambrelio::test

@@ -1,0 +1,296 @@
+#include "dao_classes.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "ambrelio/dao/database.h"
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/embedded_engine.h"
+#include "automation_class.h"
+#include "stand_in_file.h"
+
+namespace ambrelio::stand_in {
+namespace {
+
+using com::ComPtr;
+using dao::DaoError;
+
+// ---- definitions
+
+ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::Field>& field) {
+  using Field = dao::Field;
+  static const auto kClass =
+      AutomationClass<Field>("DAO.Field")
+          .Property("Value", &Field::Value)
+          .AsDefault()
+          .Property("Name", &Field::Name, &Field::SetName)
+          .Property("Type", &Field::Type)
+          .Property("Size", &Field::Size)
+          .Property("OrdinalPosition", &Field::OrdinalPosition, &Field::SetOrdinalPosition)
+          .Property("Attributes", &Field::Attributes, &Field::SetAttributes)
+          .Property("Required", &Field::Required, &Field::SetRequired)
+          .Property("AllowZeroLength", &Field::AllowZeroLength, &Field::SetAllowZeroLength)
+          .Property("DefaultValue", &Field::DefaultValue, &Field::SetDefaultValue);
+  return kClass.Wrap(field);
+}
+
+ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::QueryDef>& query) {
+  static const auto kClass = AutomationClass<dao::QueryDef>("DAO.QueryDef")
+                                 .Property("Name", &dao::QueryDef::Name)
+                                 .Property("SQL", &dao::QueryDef::Sql, &dao::QueryDef::SetSql);
+  return kClass.Wrap(query);
+}
+
+ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::Index>& index);
+ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::TableDef>& table);
+
+template <class T>
+Variant ItemOf(const dao::Collection<T>& items, const Variant& key) {
+  return Result(Wrap(key.is_text() ? items.Item(key.as<std::string>()) : items.Item(ToLong(key))));
+}
+
+// A collection of `owner`, who lives as long as somebody holds the collection.
+template <class T, class Owner>
+Variant Part(const char* name, const std::shared_ptr<Owner>& owner, dao::Collection<T>& items) {
+  using Items = dao::Collection<T>;
+  static const auto kClass =
+      AutomationClass<Items>(name)
+          .Property("Count",
+                    [](const auto& of, const Arguments&) {
+                      return Result(static_cast<int16_t>(of->Count()));
+                    })
+          .Method(
+              "Item", 1, 1,
+              [](const auto& of, const Arguments& arguments) { return ItemOf(*of, arguments[0]); })
+          .AsDefault()
+          .Method("Append", 1, 1,
+                  [name](const auto& to, const Arguments& arguments) {
+                    const auto item = AutomationClass<T>::Unwrap(arguments[0]);
+                    if (item == nullptr) dao::Raise(DaoError::kConversion, name);
+                    to->Append(item);
+                    return Variant();
+                  })
+          .Method("Delete", 1, 1,
+                  [](const auto& from, const Arguments& arguments) {
+                    from->Delete(ToText(arguments[0]));
+                    return Variant();
+                  })
+          .Method("Refresh", &Items::Refresh);
+  return Result(kClass.Wrap(std::shared_ptr<Items>(owner, &items)));
+}
+
+template <class Owner>
+Variant FieldsOf(const std::shared_ptr<Owner>& owner, const Arguments&) {
+  return Part("DAO.Fields", owner, owner->Fields());
+}
+
+ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::Index>& index) {
+  using Index = dao::Index;
+  static const auto kClass =
+      AutomationClass<Index>("DAO.Index")
+          .Property("Fields", FieldsOf<Index>)
+          .AsDefault()
+          .Property("Name", &Index::Name, &Index::SetName)
+          .Property("Primary", &Index::Primary, &Index::SetPrimary)
+          .Property("Unique", &Index::Unique, &Index::SetUnique)
+          .Property("IgnoreNulls", &Index::IgnoreNulls, &Index::SetIgnoreNulls)
+          .Property("Required", &Index::Required, &Index::SetRequired)
+          .Method("CreateField", 0, 3, [](const auto& of, const Arguments& arguments) {
+            return Result(Wrap(of->CreateField(ToText(arguments[0]))));
+          });
+  return kClass.Wrap(index);
+}
+
+ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::TableDef>& table) {
+  using TableDef = dao::TableDef;
+  static const auto kClass =
+      AutomationClass<TableDef>("DAO.TableDef")
+          .Property("Fields", FieldsOf<TableDef>)
+          .AsDefault()
+          .Property("Name", &TableDef::Name, &TableDef::SetName)
+          .Property("Indexes",
+                    [](const auto& of, const Arguments&) {
+                      return Part("DAO.Indexes", of, of->Indexes());
+                    })
+          .Method("CreateField", 0, 3,
+                  [](const auto& of, const Arguments& arguments) {
+                    return Result(Wrap(of->CreateField(
+                        ToText(arguments[0]), static_cast<dao::FieldType>(ToInteger(arguments[1])),
+                        ToLong(arguments[2]))));
+                  })
+          .Method("CreateIndex", 0, 1, [](const auto& of, const Arguments& arguments) {
+            return Result(Wrap(of->CreateIndex(ToText(arguments[0]))));
+          });
+  return kClass.Wrap(table);
+}
+
+// ---- databases
+
+// What a Database object stands for.
+struct OpenDatabase {
+  std::shared_ptr<dao::Database> database;
+  std::string path;
+
+  // As the client named it, not the file that holds the data.
+  std::string Name() const { return path; }
+  int32_t RecordsAffected() const { return database->RecordsAffected(); }
+  void Close() { database->Close(); }
+};
+
+// A recordset with its database, which stays open as long as there is one of them.
+struct OpenRecordset {
+  std::shared_ptr<OpenDatabase> of;
+  std::unique_ptr<dao::Recordset> rows;
+};
+
+ComPtr<IDispatch> Wrap(std::shared_ptr<OpenRecordset> opened) {
+  using Recordset = dao::Recordset;
+  static const auto kClass = AutomationClass<Recordset>("DAO.Recordset")
+                                 .Property("Fields", FieldsOf<Recordset>)
+                                 .AsDefault()
+                                 .Property("EOF", &Recordset::AtEnd)
+                                 .Property("BOF", &Recordset::AtStart)
+                                 .Method("MoveFirst", &Recordset::MoveFirst)
+                                 .Method("MoveLast", &Recordset::MoveLast)
+                                 .Method("MoveNext", &Recordset::MoveNext)
+                                 .Method("MovePrevious", &Recordset::MovePrevious)
+                                 .Method("Close", &Recordset::Close);
+  auto* const rows = opened->rows.get();
+  return kClass.Wrap({std::move(opened), rows});
+}
+
+Variant Execute(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
+  on->database->Execute(ToText(arguments[0]), ToLong(arguments[1]));
+  return {};
+}
+
+Variant OpenRows(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
+  auto rows = on->database->OpenRecordset(ToText(arguments[0]),
+                                          static_cast<dao::RecordsetType>(ToLong(arguments[1])));
+  return Result(Wrap(std::make_shared<OpenRecordset>(OpenRecordset{on, std::move(rows)})));
+}
+
+Variant CreateTableDef(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
+  return Result(Wrap(on->database->CreateTableDef(ToText(arguments[0]))));
+}
+
+Variant CreateQueryDef(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
+  return Result(Wrap(on->database->CreateQueryDef(ToText(arguments[0]), ToText(arguments[1]))));
+}
+
+Variant TableDefsOf(const std::shared_ptr<OpenDatabase>& of, const Arguments&) {
+  return Part("DAO.TableDefs", of, of->database->TableDefs());
+}
+
+Variant QueryDefsOf(const std::shared_ptr<OpenDatabase>& of, const Arguments&) {
+  return Part("DAO.QueryDefs", of, of->database->QueryDefs());
+}
+
+ComPtr<IDispatch> Wrap(std::shared_ptr<OpenDatabase> database) {
+  static const auto kClass = AutomationClass<OpenDatabase>("DAO.Database")
+                                 .Property("TableDefs", TableDefsOf)
+                                 .AsDefault()
+                                 .Property("QueryDefs", QueryDefsOf)
+                                 .Property("Name", &OpenDatabase::Name)
+                                 .Property("RecordsAffected", &OpenDatabase::RecordsAffected)
+                                 .Method("Execute", 1, 2, Execute)
+                                 .Method("OpenRecordset", 1, 4, OpenRows)
+                                 .Method("CreateTableDef", 0, 4, CreateTableDef)
+                                 .Method("CreateQueryDef", 0, 2, CreateQueryDef)
+                                 .Method("Close", &OpenDatabase::Close);
+  return kClass.Wrap(std::move(database));
+}
+
+// ---- workspaces and the engine
+
+Variant Open(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& arguments) {
+  // A password is for nothing when the arguments before it are left out.
+  if (arguments.Has(3) && !(arguments.Has(1) && arguments.Has(2))) {
+    dao::Raise(DaoError::kWrongPassword, "DAO.Workspace");
+  }
+  const std::string path = ToText(arguments[0]);
+  auto database = workspace->OpenDatabase(DataOf(path), ToBoolean(arguments[1]),
+                                          ToBoolean(arguments[2]), ToText(arguments[3]));
+  return Result(Wrap(std::make_shared<OpenDatabase>(OpenDatabase{std::move(database), path})));
+}
+
+Variant Create(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& arguments) {
+  const std::string path = ToText(arguments[0]);
+  auto database = workspace->CreateDatabase(DataOfNew(path), ToText(arguments[1]));
+  WriteHeader(path);
+  return Result(Wrap(std::make_shared<OpenDatabase>(OpenDatabase{std::move(database), path})));
+}
+
+ComPtr<IDispatch> Wrap(std::shared_ptr<dao::Workspace> workspace) {
+  using Workspace = dao::Workspace;
+  static const auto kClass =
+      AutomationClass<Workspace>("DAO.Workspace")
+          .Method("OpenDatabase", 1, 4, Open)
+          .Method("CreateDatabase", 2, 3, Create)
+          .Method("BeginTrans", &Workspace::BeginTrans)
+          .Method("CommitTrans", 0, 1,
+                  [](const auto& of, const Arguments&) {
+                    of->CommitTrans();
+                    return Variant();
+                  })
+          .Method("Rollback", &Workspace::Rollback)
+          // That of the default workspace is passed over.
+          .Method("Close", 0, 0, [](const auto&, const Arguments&) { return Variant(); });
+  return kClass.Wrap(std::move(workspace));
+}
+
+// The engine as the owner of its workspaces, of which there is one.
+struct Workspaces {
+  std::shared_ptr<dao::DBEngine> engine;
+
+  int16_t Count() const { return 1; }
+  std::shared_ptr<dao::Workspace> Item(const Variant& key) const {
+    const bool known =
+        key.is_text() ? key.as<std::string>() == "#Default Workspace#" : ToLong(key) == 0;
+    if (!known) dao::Raise(DaoError::kNotInCollection, "DAO.Workspaces", ToText(key));
+    return {engine, &engine->DefaultWorkspace()};
+  }
+};
+
+Variant WorkspacesOf(const std::shared_ptr<dao::DBEngine>& engine, const Arguments&) {
+  static const auto kClass = AutomationClass<Workspaces>("DAO.Workspaces")
+                                 .Property("Count", &Workspaces::Count)
+                                 .Method("Item", 1, 1,
+                                         [](const auto& of, const Arguments& arguments) {
+                                           return Result(Wrap(of->Item(arguments[0])));
+                                         })
+                                 .AsDefault();
+  return Result(kClass.Wrap(std::make_shared<Workspaces>(Workspaces{engine})));
+}
+
+std::shared_ptr<dao::Workspace> DefaultOf(const std::shared_ptr<dao::DBEngine>& engine) {
+  return {engine, &engine->DefaultWorkspace()};
+}
+
+}  // namespace
+
+ComPtr<IDispatch> NewDbEngine() {
+  using Engine = dao::DBEngine;
+  // Never destroyed, as the workspaces of a process live as long as it does.
+  static const auto* const engine = new std::shared_ptr<Engine>(embedded::CreateEngine());
+  static const auto kClass =
+      AutomationClass<Engine>("DAO.DbEngine")
+          .Property("Workspaces", WorkspacesOf)
+          .AsDefault()
+          .Property("Version", &Engine::Version)
+          // Those of the default workspace, for short.
+          .Method("OpenDatabase", 1, 4,
+                  [](const auto& of, const Arguments& arguments) {
+                    return Open(DefaultOf(of), arguments);
+                  })
+          .Method("CreateDatabase", 2, 3,
+                  [](const auto& of, const Arguments& arguments) {
+                    return Create(DefaultOf(of), arguments);
+                  })
+          // There is no cache to wait for.
+          .Method("Idle", 0, 1, [](const auto&, const Arguments&) { return Variant(); });
+  return kClass.Wrap(*engine);
+}
+
+}  // namespace ambrelio::stand_in
