@@ -61,7 +61,7 @@ uint32_t SystemTablePage(const std::vector<CatalogueObject>& objects, std::strin
 
 }  // namespace
 
-std::vector<const CatalogueObject*> Catalogue::UserObjects(ObjectType type) const {
+std::vector<const CatalogueObject*> Catalogue::UserObjects(ObjectType type) const& {
   std::vector<const CatalogueObject*> found;
   for (const CatalogueObject& object : objects) {
     if (object.type == type && !object.system()) found.push_back(&object);
@@ -69,7 +69,7 @@ std::vector<const CatalogueObject*> Catalogue::UserObjects(ObjectType type) cons
   return found;
 }
 
-const CatalogueObject* Catalogue::Find(ObjectType type, std::string_view name) const {
+const CatalogueObject* Catalogue::Find(ObjectType type, std::string_view name) const& {
   const std::string wanted = UpperCase(name);
   const auto found = std::find_if(objects.begin(), objects.end(), [&](const auto& object) {
     return object.type == type && UpperCase(object.name) == wanted;

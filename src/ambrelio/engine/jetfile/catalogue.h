@@ -70,10 +70,12 @@ struct Catalogue {
   std::vector<AccessRight> rights;
   std::vector<RelationshipColumn> relationships;
 
-  // The objects of a type, system ones excepted.
-  std::vector<const CatalogueObject*> UserObjects(ObjectType type) const;
+  // The objects of a type, system ones excepted. They are the catalogue's own, which must stay.
+  std::vector<const CatalogueObject*> UserObjects(ObjectType type) const&;
+  std::vector<const CatalogueObject*> UserObjects(ObjectType type) const&& = delete;
   // Null when there is none of that name, whatever its case.
-  const CatalogueObject* Find(ObjectType type, std::string_view name) const;
+  const CatalogueObject* Find(ObjectType type, std::string_view name) const&;
+  const CatalogueObject* Find(ObjectType type, std::string_view name) const&& = delete;
 };
 
 // Raises Damage.

@@ -12,6 +12,12 @@ namespace {
 
 bool SameText(const std::string& a, const std::string& b) { return UpperCase(a) == UpperCase(b); }
 
+// The documents of user interfaces do without.
+bool NeedsRights(ObjectType type) {
+  return type == ObjectType::kTable || type == ObjectType::kQuery ||
+         type == ObjectType::kRelationship || type == ObjectType::kContainer;
+}
+
 class CatalogueCheck {
  public:
   CatalogueCheck(const JetFile& file, const Catalogue& catalogue, const Definitions& definitions,
@@ -39,7 +45,7 @@ class CatalogueCheck {
       if (!names.insert({object.parent, UpperCase(object.name)}).second) {
         Say(object.row, "two objects are named " + object.name);
       }
-      if (!with_rights.contains(object.id)) {
+      if (NeedsRights(object.type) && !with_rights.contains(object.id)) {
         Say(object.row, "nobody has rights on " + object.name);
       }
       findings_.Try(Rule::kCatalogue, [&] {
