@@ -1,4 +1,5 @@
-// Jet database files of any content: read and checked to the end, or refused with an error of DAO's.
+// Jet database files of any content: read and checked to the end, or refused with an error of
+// DAO's.
 #include <string>
 
 #include "ambrelio/engine/jetfile/catalogue.h"

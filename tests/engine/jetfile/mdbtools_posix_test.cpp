@@ -33,8 +33,8 @@ std::string OutputOf(const std::string& command) {
   return output;
 }
 
-// mdbtools gives a row that moved where it is now, and not where it belongs: of the sample with such
-// rows only the lines are compared, not their order.
+// mdbtools gives a row that moved where it is now, and not where it belongs: of the sample with
+// such rows only the lines are compared, not their order.
 std::string Comparable(const Sample& sample, const std::string& text) {
   if (sample.name != std::string("overflowTestV2000")) return text;
   std::set<std::string> lines;
@@ -58,8 +58,7 @@ TEST_P(BesideMdbtools, ReadsTheSameAsIsKeptOfIt) {
 
 TEST_P(BesideMdbtools, ReadsTheSameAsItReadsNow) {
   if (!HasMdbtools()) GTEST_SKIP() << "mdbtools is not installed";
-  const std::string command =
-      ExpectedFolder() + "tell '" + SamplePath(GetParam().name) + "'";
+  const std::string command = ExpectedFolder() + "tell '" + SamplePath(GetParam().name) + "'";
   EXPECT_EQ(Comparable(GetParam(), MdbtoolsText(OpenSample(GetParam()))),
             Comparable(GetParam(), OutputOf(command)));
 }

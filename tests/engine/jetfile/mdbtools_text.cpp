@@ -1,5 +1,6 @@
 #include "engine/jetfile/mdbtools_text.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
@@ -54,6 +55,15 @@ std::string Quoted(const std::string& text) {
   return quoted + '"';
 }
 
+// Bytes that their code page has no character for are question marks there.
+std::string KnownCharacters(std::string text) {
+  constexpr std::string_view kUnknown = "\uFFFD";
+  for (size_t at = 0; (at = text.find(kUnknown, at)) != std::string::npos;) {
+    text.replace(at, kUnknown.size(), "?");
+  }
+  return text;
+}
+
 std::string Hex(const std::string& bytes) {
   std::string text;
   for (const char c : bytes) {
@@ -89,7 +99,9 @@ std::string ValueText(const ColumnDefinition& column, const Variant& value) {
   }
   const auto& text = value.as<std::string>();
   if (column.type == ColumnType::kNumeric) return text;
-  return Quoted(column.type == ColumnType::kOle ? Hex(text) : text);
+  // A GUID, too, is bytes there: those of its text.
+  const bool bytes = column.type == ColumnType::kOle || column.type == ColumnType::kGuid;
+  return Quoted(bytes ? Hex(text) : KnownCharacters(text));
 }
 
 std::string SchemaText(const std::string& name, const TableDefinition& definition, bool jet4) {
@@ -107,7 +119,10 @@ std::string SchemaText(const std::string& name, const TableDefinition& definitio
 std::string MdbtoolsText(const JetFile& file) {
   std::string text;
   const Catalogue catalogue = ReadCatalogue(file);
-  for (const CatalogueObject* object : catalogue.UserObjects(ObjectType::kTable)) {
+  std::vector<const CatalogueObject*> tables = catalogue.UserObjects(ObjectType::kTable);
+  std::sort(tables.begin(), tables.end(),
+            [](const auto* a, const auto* b) { return a->name < b->name; });
+  for (const CatalogueObject* object : tables) {
     const TableDefinition definition = ReadDefinition(file, object->definition_page());
     text += SchemaText(object->name, definition, file.format().jet4);
     std::string line;

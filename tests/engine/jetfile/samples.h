@@ -52,9 +52,7 @@ inline const std::vector<Sample>& Samples() {
   return samples;
 }
 
-inline std::string SampleFolder() {
-  return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/";
-}
+inline std::string SampleFolder() { return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/"; }
 inline std::string SamplePath(const std::string& name) { return SampleFolder() + name + ".mdb"; }
 
 inline Bytes SampleBytes(const std::string& name) {
