@@ -288,12 +288,13 @@ TEST_F(DaoMill, RollsBackADischargeThatIsRefused) {
 
 // The one member that wants to hear of rows that are refused.
 TEST_F(DaoMill, SavesReferentsWithFailOnError) {
+  const auto client = Client(9);
   EXPECT_THAT(
-      Statements([&] { root.GuardarReferente(1, Client(9)); }),
+      Statements([&] { root.GuardarReferente(1, client); }),
       ElementsAre("DAO.Database.Execute(\"insert into Clientes (Codigo, Nombre, NIF, Info1, "
                   "Info2, Info3) values (9, 'Cliente 9', Null, Null, Null, Null) \", 128)",
                   "DAO.Database.RecordsAffected"));
-  EXPECT_EQ(ErrorOf([&] { root.GuardarReferente(1, Client(9)); }), 3022);
+  EXPECT_EQ(ErrorOf([&] { root.GuardarReferente(1, client); }), 3022);
 }
 
 TEST_F(DaoMill, OpensSharedWithThePassword) {
