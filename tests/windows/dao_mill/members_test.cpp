@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,8 @@ class DaoMill : public test::MillTest {
 struct Member {
   const char* name;
   std::function<void(Trazabilidad&)> call;
+
+  friend void PrintTo(const Member& member, std::ostream* out) { *out << member.name; }
 };
 
 const Member kMembers[] = {
@@ -160,8 +163,7 @@ const Member kMembers[] = {
     {"ReferenteNuevo",
      [](Trazabilidad& root) {
        const auto client = root.NuevoReferente(1);
-       client->SetCodigo(8);
-       client->SetNombre("Cliente 8");
+       client->SetNombre("Cliente " + std::to_string(client->Codigo()));
        root.GuardarReferente(1, client);
      }},
     {"ReferenteEliminar", [](Trazabilidad& root) { root.EliminarReferente(1, 7); }},
