@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/engine.h"
 #include "support/mill.h"
 
 namespace ambrelio {

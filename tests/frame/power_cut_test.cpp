@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ambrelio/engine/embedded/storage/storage.h"
+#include "ambrelio/engine/engine.h"
 #include "ambrelio/hoppers/tolva.h"
 #include "ambrelio/hoppers/tva_inter.h"
 #include "ambrelio/host/weighing.h"
