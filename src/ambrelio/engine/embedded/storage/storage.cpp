@@ -14,9 +14,8 @@ using dao::DaoError;
 
 constexpr int kLockWaitMilliseconds = 2000;
 // A committed statement survives the process and the power; nothing in a file that somebody
-// tampered with may run code. The last connection that closes moves the log into the file. Only a
-// log of 64 MB, about half a season that nobody ever closed, is moved within a call, as each page of
-// it makes reading and opening after a kill a little dearer.
+// tampered with may run code. The last connection that closes moves the log into the file; within a
+// call only one of 64 MB is moved, which most of a season makes when nobody ever closes.
 constexpr const char* kSettings =
     "pragma foreign_keys = off; pragma trusted_schema = off; pragma cell_size_check = on;"
     "pragma synchronous = full; pragma wal_autocheckpoint = 16384;"
