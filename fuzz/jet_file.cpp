@@ -1,5 +1,6 @@
 // Jet database files of any content: read and checked to the end, or refused with an error of
 // DAO's.
+#include <set>
 #include <string>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
@@ -39,7 +40,9 @@ void ReadIndexes(const JetFile& file, const TableDefinition& definition) {
 
 void ReadEverything(const JetFile& file) {
   const Catalogue catalogue = ReadCatalogue(file);
+  std::set<uint32_t> seen;  // what a thousand objects point to takes no longer than once
   for (const CatalogueObject& object : catalogue.objects) {
+    if (!seen.insert(object.id).second) continue;
     if (object.type == ObjectType::kTable) {
       Try([&] {
         const TableDefinition definition = ReadDefinition(file, object.definition_page());

@@ -93,6 +93,8 @@ std::string ValueText(const ColumnDefinition& column, const Variant& value) {
     case VariantType::kCurrency:
       return Printed("%.4f", static_cast<double>(value.as<Currency>().ten_thousandths) / 10000);
     case VariantType::kDate:
+      // It has no moments before its zero date.
+      if (value.as<OleDate>().days() < 0) return "\"1900-01-00 00:00:00\"";
       return Quoted(value.as<OleDate>().Iso());
     default:
       break;
