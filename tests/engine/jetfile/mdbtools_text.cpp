@@ -74,6 +74,9 @@ std::string Hex(const std::string& bytes) {
   return text;
 }
 
+// As a GUID is written there, which is then taken for bytes.
+std::string WithoutLastHyphen(std::string guid) { return guid.erase(guid.rfind('-'), 1); }
+
 std::string ValueText(const ColumnDefinition& column, const Variant& value) {
   switch (value.type()) {
     case VariantType::kNull:
@@ -101,9 +104,9 @@ std::string ValueText(const ColumnDefinition& column, const Variant& value) {
   }
   const auto& text = value.as<std::string>();
   if (column.type == ColumnType::kNumeric) return text;
-  // A GUID, too, is bytes there: those of its text.
-  const bool bytes = column.type == ColumnType::kOle || column.type == ColumnType::kGuid;
-  return Quoted(bytes ? Hex(text) : KnownCharacters(text));
+  if (column.type == ColumnType::kOle) return Quoted(Hex(text));
+  if (column.type == ColumnType::kGuid) return Quoted(Hex(WithoutLastHyphen(text)));
+  return Quoted(KnownCharacters(text));
 }
 
 std::string SchemaText(const std::string& name, const TableDefinition& definition, bool jet4) {
