@@ -53,6 +53,13 @@ class Copy {
     Flip({row.page, row.offset + page / 8}, static_cast<uint8_t>(1U << (page % 8)));
   }
 
+  // Puts another definition of the same length in the place of a table's, all on one page.
+  void Replace(const TableDefinition& definition) {
+    const Bytes bytes = SerialiseDefinition(file_, definition);
+    std::copy(bytes.begin(), bytes.end(),
+              bytes_.begin() + static_cast<std::ptrdiff_t>(definition.page() * kJet4.page_size));
+  }
+
   std::vector<Finding> Findings() const { return Check(JetFile::FromBytes(bytes_, "")); }
 
  private:
@@ -354,8 +361,13 @@ TEST_F(CheckTree, FindsEntriesOutOfOrder) {
 }
 
 TEST_F(CheckTree, FindsAKeyThatIsNotItsRows) {
-  const IndexPage page = copy_.IndexPageAt(kLastLeaf);
-  copy_.Flip({kLastLeaf, kJet4.entries_at + page.entries[0].size() + 4}, 0x08);
+  const TableDefinition table = copy_.Table("Table1");
+  const IndexDefinition& index = *std::find_if(table.indexes.begin(), table.indexes.end(),
+                                               [](const auto& i) { return i.root == kRoot; });
+  TableReader reader(copy_.file(), table);
+  ASSERT_TRUE(reader.Next());
+  const auto value = reader.row().Value(*table.FindColumn(index.Columns()[0].column));
+  copy_.Flip(value->PlaceOf(0), 0x01);
   EXPECT_THAT(copy_.Findings(), Finds(Rule::kIndex, kRoot, "the key is not that of row"));
 }
 
@@ -415,28 +427,33 @@ TEST_F(CheckTree, FindsAPageThatItsMapHasNot) {
   EXPECT_THAT(copy_.Findings(), Finds(Rule::kIndex, kLeaf, "a page that the map has not"));
 }
 
+// A plain index that has equal keys says that it is unique.
 TEST(CheckIndex, FindsAKeyThatIsThereTwice) {
-  Copy copy("compIndexTestV2000");
-  const TableDefinition table = copy.Table("Table1");
-  // A plain index that has equal keys says that it is unique.
-  for (size_t i = 0; i < table.indexes.size(); ++i) {
-    std::vector<Bytes> keys;
-    IndexTree(copy.file(), table.indexes[i]).Walk([&](const IndexEntry& e) {
-      keys.push_back(e.key);
-    });
-    if (std::adjacent_find(keys.begin(), keys.end()) == keys.end()) continue;
-    Bytes block;
-    Append(block, 1923, 4);
-    const DefinitionString string = ReadDefinitionString(copy.file(), table.page());
-    auto at = string.bytes.begin();
-    for (size_t block_number = 0; block_number <= i; ++block_number) {
-      at = std::search(at + 1, string.bytes.end(), block.begin(), block.end());
-    }
-    copy.Flip({table.page(), static_cast<size_t>(at - string.bytes.begin()) + 0x2E}, 0x01);
-    EXPECT_THAT(copy.Findings(), Finds(Rule::kIndex, table.indexes[i].root, "is there twice"));
-    return;
+  Copy copy("indexTestV2000");
+  TableDefinition table = copy.Table("Table1");
+  const uint16_t column = table.FindColumn("otherfk1")->number;
+  uint32_t root = 0;
+  for (IndexDefinition& index : table.indexes) {
+    if (index.Columns()[0].column != column) continue;
+    index.flags |= IndexDefinition::kUnique;
+    root = index.root;
   }
-  FAIL() << "there is no index with equal keys";
+  copy.Replace(table);
+  EXPECT_THAT(copy.Findings(), Finds(Rule::kIndex, root, "is there twice"));
+}
+
+TEST(CheckIndex, FindsANullThatIsRequired) {
+  Copy copy("testIndexPropertiesV2000");
+  TableDefinition table = copy.Table("TableIgnoreNulls1");
+  const uint16_t column = table.FindColumn("data")->number;
+  uint32_t root = 0;
+  for (IndexDefinition& index : table.indexes) {
+    if (index.Columns()[0].column != column) continue;
+    index.flags |= IndexDefinition::kRequired;
+    root = index.root;
+  }
+  copy.Replace(table);
+  EXPECT_THAT(copy.Findings(), Finds(Rule::kIndex, root, "a required value is Null"));
 }
 
 TEST(CheckCatalogue, FindsATableWithoutADefinition) {
@@ -447,10 +464,22 @@ TEST(CheckCatalogue, FindsATableWithoutADefinition) {
   EXPECT_THAT(copy.Findings(), Finds(Rule::kDefinition, 1, "table definition is expected here"));
 }
 
+TEST(CheckCatalogue, FindsTwoTablesOfOneDefinition) {
+  Copy copy("indexTestV2000");
+  const CatalogueObject* object = copy.catalogue().Find(ObjectType::kTable, "Table2");
+  const Place row = copy.DataPageAt(object->row.page).Row(object->row.row).PlaceOf(0);
+  copy.Put({row.page, row.offset + 2}, copy.Table("Table1").page(), 4);
+  EXPECT_THAT(copy.Findings(),
+              Finds(Rule::kCatalogue, object->row.page, "has the definition of another"));
+}
+
 TEST(CheckCatalogue, FindsAnObjectWithoutRights) {
   Copy copy("adox_jet4");
-  // The only right on MSysRelationships is the fourth row.
-  copy.Put({15, copy.DataPageAt(15).Row(3).PlaceOf(2).offset}, 4, 4);
+  const DataPage page = copy.DataPageAt(15);
+  for (size_t row = 0; row < page.slots().size(); ++row) {
+    const ByteView bytes = page.Row(static_cast<uint8_t>(row));
+    if (bytes.U32(2) == 5) copy.Put(bytes.PlaceOf(2), 4, 4);
+  }
   EXPECT_THAT(copy.Findings(),
               Finds(Rule::kCatalogue, 14, "nobody has rights on MSysRelationships"));
 }
@@ -478,9 +507,7 @@ TEST(CheckCatalogue, FindsARelationshipWithOneSide) {
   for (IndexName& name : broken.index_names) {
     if (name.side == IndexName::kChild) name.other_number += 77;
   }
-  const Bytes bytes = SerialiseDefinition(copy.file(), broken);
-  std::copy(bytes.begin(), bytes.end(),
-            copy.bytes().begin() + static_cast<std::ptrdiff_t>(child.page() * kJet4.page_size));
+  copy.Replace(broken);
   EXPECT_THAT(copy.Findings(),
               Finds(Rule::kCatalogue, relationship.row.page, "lacks an index on one of its sides"));
 }

@@ -150,7 +150,7 @@ TEST(IndexKey, OfEveryCharacterHasTheWeightsThatAnotherLibraryWrites) {
   for (Bytes* bytes : {&key, &longest}) {
     bytes->erase(std::find(bytes->begin(), bytes->end(), 0x01), bytes->end());
   }
-  EXPECT_GT(key.size(), 250);
+  EXPECT_GT(key.size(), 200);
   EXPECT_EQ(ToHex(key), ToHex(longest));
 }
 

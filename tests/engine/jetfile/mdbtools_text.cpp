@@ -74,6 +74,9 @@ std::string Hex(const std::string& bytes) {
   return text;
 }
 
+// As a GUID is written there, which is then taken for bytes.
+std::string WithoutLastHyphen(std::string guid) { return guid.erase(guid.rfind('-'), 1); }
+
 std::string ValueText(const ColumnDefinition& column, const Variant& value) {
   switch (value.type()) {
     case VariantType::kNull:
@@ -93,15 +96,17 @@ std::string ValueText(const ColumnDefinition& column, const Variant& value) {
     case VariantType::kCurrency:
       return Printed("%.4f", static_cast<double>(value.as<Currency>().ten_thousandths) / 10000);
     case VariantType::kDate:
+      // It has no moments before its zero date.
+      if (value.as<OleDate>().days() < 0) return "\"1900-01-00 00:00:00\"";
       return Quoted(value.as<OleDate>().Iso());
     default:
       break;
   }
   const auto& text = value.as<std::string>();
   if (column.type == ColumnType::kNumeric) return text;
-  // A GUID, too, is bytes there: those of its text.
-  const bool bytes = column.type == ColumnType::kOle || column.type == ColumnType::kGuid;
-  return Quoted(bytes ? Hex(text) : KnownCharacters(text));
+  if (column.type == ColumnType::kOle) return Quoted(Hex(text));
+  if (column.type == ColumnType::kGuid) return Quoted(Hex(WithoutLastHyphen(text)));
+  return Quoted(KnownCharacters(text));
 }
 
 std::string SchemaText(const std::string& name, const TableDefinition& definition, bool jet4) {

@@ -155,7 +155,7 @@ TEST(Row, IsRefusedWhenNoPageCouldHoldIt) {
   EXPECT_EQ(test::ErrorOf([&] {
               EncodeRow(definition, {std::nullopt, std::nullopt, std::nullopt, Bytes(4060)});
             }),
-            3190);
+            3047);
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ std::string RowName(RowPointer row) {
 
 }  // namespace
 
-std::vector<std::vector<KeyedRow>> RowsCheck::Run(bool& complete) {
+std::optional<std::vector<std::vector<KeyedRow>>> RowsCheck::Run() {
   const UsageMap pages = owners_.ClaimMap(definition_.owned_map, "table " + name_);
   const UsageMap hint = owners_.ClaimHint(definition_.free_space_map, "table " + name_);
   for (const uint32_t page : hint.pages) {
@@ -35,6 +35,8 @@ std::vector<std::vector<KeyedRow>> RowsCheck::Run(bool& complete) {
   for (const LongValueMaps& maps : definition_.long_values) {
     const std::string owner =
         "the long values of column " + std::to_string(maps.column) + " of table " + name_;
+    // The oldest engines left a column without maps.
+    if (maps.owned.none()) continue;
     column_maps_[maps.column] = owners_.ClaimMap(maps.owned, owner);
     owners_.ClaimHint(maps.free_space, owner);
   }
@@ -43,9 +45,9 @@ std::vector<std::vector<KeyedRow>> RowsCheck::Run(bool& complete) {
   }
   CheckMoves();
   std::vector<std::vector<KeyedRow>> keyed(definition_.indexes.size());
-  CheckRows(keyed, complete);
+  const bool complete = CheckRows(keyed);
   CheckLongValuePages();
-  return keyed;
+  return complete ? std::optional(std::move(keyed)) : std::nullopt;
 }
 
 void RowsCheck::CheckFreeBytes(const DataPage& page) {
@@ -85,14 +87,11 @@ void RowsCheck::CheckMoves() {
   }
 }
 
-void RowsCheck::CheckRows(std::vector<std::vector<KeyedRow>>& keyed, bool& complete) {
-  complete = true;
+bool RowsCheck::CheckRows(std::vector<std::vector<KeyedRow>>& keyed) {
+  bool complete = true;
   size_t count = 0;
   std::optional<TableReader> reader;
-  if (!findings_.Try(Rule::kRow, [&] { reader.emplace(file_, definition_); })) {
-    complete = false;
-    return;
-  }
+  if (!findings_.Try(Rule::kRow, [&] { reader.emplace(file_, definition_); })) return false;
   for (bool more = true; more;) {
     const bool whole = findings_.Try(Rule::kRow, [&] {
       more = reader->Next();
@@ -114,6 +113,7 @@ void RowsCheck::CheckRows(std::vector<std::vector<KeyedRow>>& keyed, bool& compl
     complete = complete && whole;
   }
   if (complete) CheckCounters(count);
+  return complete;
 }
 
 void RowsCheck::CheckValue(const Row& row, const ColumnDefinition& column) {

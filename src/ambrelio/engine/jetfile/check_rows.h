@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 
 #include "ambrelio/engine/jetfile/data_page.h"
@@ -25,14 +26,15 @@ class RowsCheck {
             PageOwners& owners, Findings& findings)
       : file_(file), name_(name), definition_(definition), owners_(owners), findings_(findings) {}
 
-  // Gives the rows of each index, in the order of TableDefinition::indexes; `complete` tells
-  // whether all of them could be read.
-  std::vector<std::vector<KeyedRow>> Run(bool& complete);
+  // Gives the rows of each index, in the order of TableDefinition::indexes; nothing when not all of
+  // them could be read.
+  std::optional<std::vector<std::vector<KeyedRow>>> Run();
 
  private:
   void CheckPage(uint32_t page);
   void CheckMoves();
-  void CheckRows(std::vector<std::vector<KeyedRow>>& keyed, bool& complete);
+  // Whether all rows could be read.
+  bool CheckRows(std::vector<std::vector<KeyedRow>>& keyed);
   void CheckValue(const Row& row, const ColumnDefinition& column);
   void CheckLongValue(const ColumnDefinition& column, ByteView bytes);
   void CheckLongValuePages();

@@ -51,6 +51,11 @@ class Checker {
 
   void CheckTable(const CatalogueObject& object) {
     const uint32_t page = object.definition_page();
+    if (definitions_.contains(page)) {
+      findings_.Add(Rule::kCatalogue, {object.row.page, 0},
+                    "the table " + object.name + " has the definition of another");
+      return;
+    }
     TableDefinition definition;
     if (!findings_.Try(Rule::kDefinition, [&] { definition = ReadDefinition(file_, page); })) {
       return;
@@ -59,12 +64,11 @@ class Checker {
       owners_.Claim(number, "the definition of table " + object.name);
     }
     CheckDefinition(file_, object.name, definition, findings_);
-    bool complete = false;
-    const auto rows = RowsCheck(file_, object.name, definition, owners_, findings_).Run(complete);
+    const auto rows = RowsCheck(file_, object.name, definition, owners_, findings_).Run();
     for (size_t i = 0; i < definition.indexes.size(); ++i) {
       const std::string name = IndexNameOf(definition, i) + " of table " + object.name;
       IndexCheck(file_, name, definition, definition.indexes[i], owners_, findings_)
-          .Run(complete ? &rows[i] : nullptr);
+          .Run(rows ? &(*rows)[i] : nullptr);
     }
     definitions_.emplace(page, std::move(definition));
   }

@@ -1,9 +1,9 @@
 #include "ambrelio/engine/jetfile/jet_file.h"
 
-#include <algorithm>
 #include <fstream>
 
 #include "ambrelio/engine/jetfile/damage.h"
+#include "ambrelio/engine/jetfile/open_file.h"
 #include "ambrelio/engine/jetfile/text.h"
 #include "ambrelio/platform/file_path.h"
 #include "ambrelio/platform/text_encoding.h"
@@ -13,11 +13,10 @@ namespace {
 
 constexpr size_t kFirstBytes = 0x18;
 
-// The first bytes of a file, fewer when it has no more. A file that cannot be opened has none: the
-// one who opens it next says why.
+// The first bytes of a file, fewer when it has no more.
 Bytes FirstBytes(const std::string& path) {
   Bytes bytes(kFirstBytes);
-  std::ifstream file(FilePath(path), std::ios::binary);
+  std::ifstream file = OpenFile(path);
   file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   bytes.resize(static_cast<size_t>(file.gcount()));
   return bytes;
@@ -26,7 +25,6 @@ Bytes FirstBytes(const std::string& path) {
 }  // namespace
 
 JetFile JetFile::Open(const std::string& path, std::string_view password) {
-  DiskPages(path, kJet4.page_size);  // raises what a file raises that cannot be read at all
   const Bytes first = FirstBytes(path);
   const size_t page_size = RecogniseFormat({first, {}}).page_size;
   auto pages = std::make_unique<DiskPages>(path, page_size);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ambrelio/engine/jetfile/damage.h"
+#include "ambrelio/engine/jetfile/open_file.h"
 #include "ambrelio/engine/jetfile/rc4.h"
 #include "ambrelio/platform/file_path.h"
 
@@ -17,12 +18,8 @@ void RequirePage(uint32_t number, uint32_t count) {
 }  // namespace
 
 DiskPages::DiskPages(const std::string& path, size_t page_size)
-    : path_(path), page_size_(page_size) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(FilePath(path), error);
-  if (error) dao::Raise(dao::DaoError::kFileNotFound, "DAO.Workspace", path);
-  file_.open(FilePath(path), std::ios::binary);
-  if (!file_) dao::Raise(dao::DaoError::kAccessDenied, "DAO.Workspace", path);
+    : path_(path), page_size_(page_size), file_(OpenFile(path)) {
+  const uintmax_t size = std::filesystem::file_size(FilePath(path));
   page_count_ = static_cast<uint32_t>(std::min<uintmax_t>(size / page_size_, UINT32_MAX));
 }
 

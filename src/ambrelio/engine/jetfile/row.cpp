@@ -7,6 +7,7 @@
 namespace ambrelio::jetfile {
 namespace {
 
+constexpr auto kRecordTooLarge = static_cast<dao::DaoError>(3047);
 constexpr size_t kJet4CountBytes = 2;
 constexpr size_t kJet3CountBytes = 1;
 // Even a table of flags has rows with this much of a fixed area.
@@ -144,7 +145,7 @@ Bytes EncodeRow(const TableDefinition& definition, const RowValues& values) {
   }
   Append(row, mask);
   if (row.size() > kLongestRow) {
-    Refuse(dao::DaoError::kTooManyFields,
+    Refuse(kRecordTooLarge,
            "The record is too large: it would take " + std::to_string(row.size()) + " bytes.");
   }
   return row;

@@ -40,8 +40,8 @@ class Row {
 using RowValues = std::vector<std::optional<Bytes>>;
 
 // The bytes of a row of Jet 4. Values of fixed columns must have their column's length. The
-// numbers of dropped columns keep their places. Raises 3047's kin (3190: the record is too large)
-// when no page could hold it.
+// numbers of dropped columns keep their places. Raises 3047 when the row is longer than
+// kLongestRow.
 Bytes EncodeRow(const TableDefinition& definition, const RowValues& values);
 
 // A longer row fits a page of Jet 4, but not its original engine.
