@@ -12,7 +12,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/completions/ambrelio.bash
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 install(TARGETS ambrelio EXPORT AmbrelioTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ambrelio DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE)
+        FILES_MATCHING PATTERN "*.h" PATTERN "engine/embedded" EXCLUDE
+        PATTERN "engine/dao_com" EXCLUDE)
 
 set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Ambrelio)
 install(EXPORT AmbrelioTargets NAMESPACE Ambrelio:: DESTINATION ${config_folder})

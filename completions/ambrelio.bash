@@ -7,7 +7,8 @@ _ambrelio_options() {
     create) echo --app --vardex3 --masters ;;
     journal) echo --app --vardex3 --keep-going ;;
     call) echo "$answer" ;;
-    sql) echo "$answer" --password ;;
+    sql) echo "$answer" --password --plan ;;
+    check) echo --password --json --csv ;;
     deposito) echo "$answer" --historia --formula --por ;;
     vaciado | descarga) echo "$answer" --por ;;
     tolva) echo "$answer" --historia --por ;;
@@ -42,7 +43,7 @@ _ambrelio_paths() {
 
 _ambrelio() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands='create journal call sql sensors gateway deposito vaciado tolva descarga historia
+  local commands='create journal call sql check sensors gateway deposito vaciado tolva descarga historia
                   referentes password'
   local command='' given=0 i
   COMPREPLY=()
@@ -73,7 +74,7 @@ _ambrelio() {
   elif [[ ! $command ]]; then
     words=$commands
   elif ((given == 0)); then
-    case $command in journal | sql) _ambrelio_paths -f "$word"; return ;; esac
+    case $command in journal | sql | check) _ambrelio_paths -f "$word"; return ;; esac
     words=$(_ambrelio_words "$command")
   fi
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <memory>
 
+#include "ambrelio/engine/engine.h"
+#include "ambrelio/engine/explain.h"
 #include "commands.h"
+#include "plan_report.h"
 #include "report.h"
 #include "statement.h"
 #include "table.h"
@@ -17,11 +20,17 @@ Examples:
   ambrelio sql --app mill "select * from Depositos"
   ambrelio sql oliva.mdb "select TOLVA, sum(PARCIALPESO) from PESADA group by TOLVA" --csv
   ambrelio sql oliva.mdb --password secreta "update SOCIO set NOMSOC='Ana' where CODSOC=7"
+  ambrelio sql --app mill --plan "select sum(PARCIALPESO) from ExtPesada where TOLVA=1"
 
 A select, a union, or the name of a table or stored query gives its rows; an
 action query the number of rows it changed. With --json that is the line that
 journal gives. The database is opened as it is, without bringing it up to the
 library's schema.
+
+With --plan the statement is not carried out: shown is how the embedded engine
+would go about it, with the rewrites it makes, the SQL that reaches SQLite, and
+SQLite's plans. AMBRELIO_WITHOUT_REWRITES turns rewrites off, by a list of their
+names or all. The database is opened for reading.
 )help";
 
 struct SqlOptions {
@@ -29,6 +38,7 @@ struct SqlOptions {
   std::string file;
   std::string statement;
   std::string password;
+  bool plan = false;
   OutputForm form = OutputForm::kTable;
 };
 
@@ -72,7 +82,26 @@ SqlOptions CheckArguments(SqlOptions options) {
   if (has_app && !options.password.empty()) {
     throw Failure(ExitCode::kWrongInput, "--password goes with a database file, not with --app");
   }
+  if (options.plan && options.form == OutputForm::kCsv) {
+    throw Failure(ExitCode::kWrongInput, "--plan has no form as --csv");
+  }
   return options;
+}
+
+void RunPlan(const SqlOptions& options, Context& context) {
+  // Nothing is sent to the engine: its trace would be empty, and an engine that is traced does not
+  // explain.
+  TraceFile trace(context.trace_path);
+  Session session;
+  session.UseEngine(engine::Create());
+  const auto database =
+      OpenDatabase(session, WhichDatabase(session, options), Opening::kForReading);
+  const embedded::Explanation explanation = engine::Explain(*database, options.statement);
+  database->Close();
+  Write(context.console, options.form == OutputForm::kJson ? JsonLine(PlanJson(explanation)) + '\n'
+                                                           : PlanText(explanation));
+  Flush(context.console);
+  trace.Close();
 }
 
 void RunSql(const SqlOptions& options, Context& context) {
@@ -96,8 +125,13 @@ void AddSql(CLI::App& app, Context& context) {
   command->add_option("FILE", options->file, "The database; not with --app");
   command->add_option("STATEMENT", options->statement, "The statement");
   command->add_option("--password", options->password, "Password of FILE");
+  command->add_flag("--plan", options->plan, "Show how the statement would be carried out");
   AddOutputOptions(*command, options->form);
-  command->callback([options, &context] { RunSql(CheckArguments(*options), context); });
+  command->callback([options, &context] {
+    const SqlOptions checked = CheckArguments(*options);
+    if (checked.plan) return RunPlan(checked, context);
+    RunSql(checked, context);
+  });
 }
 
 }  // namespace ambrelio::cli

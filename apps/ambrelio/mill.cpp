@@ -69,10 +69,12 @@ frame::DatabaseSettings ReadSettings(Session& session, const MillOptions& option
 }
 
 std::shared_ptr<dao::Database> OpenDatabase(Session& session,
-                                            const frame::DatabaseSettings& settings) {
+                                            const frame::DatabaseSettings& settings,
+                                            Opening opening) {
   try {
     return session.Workspace().OpenDatabase(settings.path, /*exclusive=*/false,
-                                            /*read_only=*/false, ";pwd=" + settings.password);
+                                            opening == Opening::kForReading,
+                                            ";pwd=" + settings.password);
   } catch (const AutomationError& error) {
     throw Failure(ExitCode::kFileProblem,
                   "the database '" + settings.path + "' cannot be opened: error " +

@@ -39,9 +39,12 @@ class TraceFile {
 // What the INI files of the mill say. Raises Failure when there is no such folder.
 frame::DatabaseSettings ReadSettings(Session& session, const MillOptions& options);
 
+enum class Opening : uint8_t { kForWork, kForReading };
+
 // Opens a database. Raises Failure (file problem) with the engine's own words.
 std::shared_ptr<dao::Database> OpenDatabase(Session& session,
-                                            const frame::DatabaseSettings& settings);
+                                            const frame::DatabaseSettings& settings,
+                                            Opening opening = Opening::kForWork);
 
 // Whether a command is of use when the level sensors cannot be polled, as when another program
 // polls them already.

@@ -28,7 +28,7 @@ constexpr char kFooter[] = R"help("ambrelio COMMAND --help" tells more of a comm
 
 Exit codes:
   0  done
-  1  the library or the database engine raised an error
+  1  the library or the database engine raised an error; check: something is wrong
   2  wrong arguments, or malformed input
   3  a file, folder or database cannot be read, written or opened)help";
 
@@ -86,6 +86,7 @@ void Declare(CLI::App& app, Context& context) {
   AddJournal(app, context);
   AddCall(app, context);
   AddSql(app, context);
+  AddCheck(app, context);
   AddSensors(app, context);
   AddGateway(app, context);
   AddDeposito(app, context);

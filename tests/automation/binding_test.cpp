@@ -42,6 +42,10 @@ class Sample : public Object {
     m = OleDate::FromDays(2);
   }
   void Leave(int16_t&, double&) {}
+  void ChangeAndFail(int16_t&, double& d) {
+    d = 1;
+    Raise(RuntimeError::kOverflow);
+  }
   std::string Missing(const Variant& empty, const std::optional<Variant>& missing, double zero) {
     return std::string(empty.is_empty() ? "Empty" : "given") + "," +
            (missing ? "given" : "missing") + "," + (zero == 0 ? "0" : "given");
@@ -101,6 +105,7 @@ class Binding : public ::testing::Test {
                     .Method(1, "Types", &Sample::Types, {"i", "l", "d", "b", "t", "m"}, "Types.")
                     .Method(2, "Change", &Sample::Change, {"i", "d", "t", "v", "m"}, "Changes.")
                     .Method(3, "Leave", &Sample::Leave, {"i", Optional("d")}, "Changes nothing.")
+                    .Method(20, "ChangeAndFail", &Sample::ChangeAndFail, {"i", "d"}, "Fails.")
                     .Method(4, "Missing", &Sample::Missing,
                             {Optional("e"), Optional("v"), Optional("d")}, "What is missing.")
                     .Method(5, "Takes", &Sample::Takes, {"o"}, "Takes an object.")
@@ -219,6 +224,24 @@ TEST_F(Binding, TakesNothingAndEmptyForAnObject) {
 TEST_F(Binding, RefusesAnotherClassOrNoObject) {
   EXPECT_EQ(ErrorOf("Takes", {Variant(std::make_shared<Sample>())}), 13);
   EXPECT_EQ(ErrorOf("Takes", {Variant(1.0)}), 13);
+}
+
+TEST_F(Binding, TellsWhatWasChangedBeforeAFailure) {
+  CallResult call;
+  call.arguments = {Variant(int16_t{5}), Variant("2.5")};
+  EXPECT_THROW(Perform(sample, *FindMember(table, "ChangeAndFail", Access::kCall), call),
+               AutomationError);
+  EXPECT_THAT(call.changed, ::testing::ElementsAre(false, true));
+  EXPECT_EQ(call.arguments[0], Variant(int16_t{5}));
+  EXPECT_EQ(call.arguments[1], Variant(1.0));
+}
+
+TEST_F(Binding, AFailedConversionChangesNothing) {
+  CallResult call;
+  call.arguments = {Variant("zz"), Variant(2.5)};
+  EXPECT_THROW(Perform(sample, *FindMember(table, "ChangeAndFail", Access::kCall), call),
+               AutomationError);
+  EXPECT_THAT(call.changed, ::testing::ElementsAre(false, false));
 }
 
 TEST_F(Binding, GivesAnObjectBack) {

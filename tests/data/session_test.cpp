@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/engine.h"
 #include "support/mill.h"
 
 namespace ambrelio {
@@ -47,6 +48,23 @@ TEST(Session, UsesTheEngineItIsGiven) {
       std::make_shared<test::ProbeEngine>(engine::Create(), std::make_shared<test::Probe>());
   session.UseEngine(engine);
   EXPECT_EQ(&session.Engine(), engine.get());
+}
+
+TEST(Session, LetsGoOfDatabaseAndEngine) {
+  Session session;
+  const auto engine =
+      std::make_shared<test::ProbeEngine>(engine::Create(), std::make_shared<test::Probe>());
+  session.UseEngine(engine);
+  const test::TempFolder folder;
+  host::CreateMillDatabase(*engine, folder.File("oliva.mdb"), "");
+  session.SetDatabase(session.Workspace().OpenDatabase(folder.File("oliva.mdb"), false, false, ""));
+  session.hopper_count = 4;
+  session.ReleaseEngine();
+  EXPECT_FALSE(session.IsOpen());
+  EXPECT_EQ(MillTest::ErrorOf([&] { session.Database(); }), 91);
+  EXPECT_EQ(engine.use_count(), 1);
+  EXPECT_NE(&session.Engine(), engine.get());
+  EXPECT_EQ(session.hopper_count, 4);
 }
 
 TEST(Session, ReadsTheClockOfTheThread) {

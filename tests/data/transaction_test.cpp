@@ -1,5 +1,6 @@
 #include "ambrelio/data/transaction.h"
 
+#include "ambrelio/engine/engine.h"
 #include "support/mill.h"
 
 namespace ambrelio::data {
@@ -40,6 +41,25 @@ TEST_F(InTransactionTest, LeavesTheLevelOpenOnAnError) {
   EXPECT_THAT(Rows("Depositos"), ElementsAre("1|Uno"));
   Reopen();
   EXPECT_THAT(Rows("Depositos"), ElementsAre());
+}
+
+TEST_F(InTransactionTest, BeginsNothingOverAClosedDatabase) {
+  root.Cerrar();
+  probe->events.clear();
+  EXPECT_EQ(ErrorOf([&] { InTransaction(session, [] { return true; }); }), 3420);
+  EXPECT_THAT(probe->events, ElementsAre());
+  // What is written next lasts.
+  Reopen();
+  NameATank();
+  Reopen();
+  EXPECT_THAT(Rows("Depositos"), ElementsAre("1|Uno"));
+}
+
+TEST_F(InTransactionTest, BeginsNothingBeforeTheFirstOpening) {
+  Session fresh;
+  fresh.UseEngine(engine::Create());
+  EXPECT_EQ(ErrorOf([&] { InTransaction(fresh, [] { return true; }); }), 91);
+  EXPECT_EQ(ErrorOf([&] { fresh.Workspace().Rollback(); }), 3034);
 }
 
 TEST_F(InTransactionTest, LosesWhatIsCommittedInsideALevelLeftOpen) {

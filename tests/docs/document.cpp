@@ -71,9 +71,10 @@ class Reader {
     } else if (line.starts_with("> ")) {
       has_example_ = true;
       document_.examples.push_back(
-          {number_, heading_, document_.blocks.back().first, line.substr(2), ""});
+          {number_, heading_, document_.blocks.back().first, line.substr(2), "", {}});
     } else if (has_example_) {
       document_.examples.back().answer += Trimmed(line);
+      document_.examples.back().lines.push_back(line);
     } else {
       document_.blocks.back().second += line + "\n";
     }

@@ -16,7 +16,8 @@ struct Example {
   std::string heading;  // the nearest one above it
   std::string kind;     // the word behind the fence: "journal"
   std::string input;
-  std::string answer;
+  std::string answer;                // in one line
+  std::vector<std::string> lines{};  // the answer as it stands
 };
 
 // A row of a table, its heading and the line below that included.

@@ -61,6 +61,16 @@ TEST_F(MillIndexesTest, GiveTheMovementsOfATankInTheirOrder) {
   }
 }
 
+TEST_F(MillIndexesTest, GiveTheEventsOfADayInTheirOrder) {
+  for (const char* sql :
+       {"select 1 from Niveles where Momento >= 5 and Momento <= 6 order by Momento, Deposito, "
+        "Item",
+        "select 1 from Vaciados where mmto >= 5 and mmto <= 6 order by mmto, Deposito, Vaciado"}) {
+    EXPECT_THAT(StepsOf(sql), HasSubstr("SEARCH")) << sql;
+    EXPECT_THAT(StepsOf(sql), Not(HasSubstr("TEMP B-TREE"))) << sql;
+  }
+}
+
 TEST_F(MillIndexesTest, FindDustWithoutReadingTheSeason) {
   EXPECT_THAT(StepsOf("update Descargas set Fraccion = 0 where Fraccion < 0.0001"),
               HasSubstr("SEARCH"));

@@ -61,13 +61,14 @@ TEST_F(TrazabilidadTest, ConstructorOpensWithTheStoredPassword) {
 
 TEST_F(TrazabilidadTest, ConstructorKeepsTheEditionOfTheHost) {
   const std::string net = folder.Folder("net");
+  const std::string database = (std::filesystem::path(net) / "oliva.mdb").string();
   WriteSetting("CLIEN.INI", "GENERAL", "NetPath", net);
-  host::CreateMillDatabase(session.Engine(), folder.File("net/oliva.mdb"), "");
+  host::CreateMillDatabase(session.Engine(), database, "");
   root.Constructor(folder.path(), true);
-  EXPECT_EQ(session.Database().Name(), folder.File("net/oliva.mdb"));
+  EXPECT_EQ(session.Database().Name(), database);
   EXPECT_TRUE(session.vardex3);
   root.RecargaValores();
-  EXPECT_EQ(session.Database().Name(), folder.File("net/oliva.mdb"));
+  EXPECT_EQ(session.Database().Name(), database);
   root.Constructor(folder.path(), false);
   EXPECT_EQ(session.Database().Name(), folder.File("oliva.mdb"));
 }

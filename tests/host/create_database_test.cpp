@@ -10,7 +10,9 @@
 #include "ambrelio/value/automation_error.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/locale.h"
+#include "support/error_of.h"
 #include "support/layout.h"
+#include "support/probe_engine.h"
 #include "support/temp_folder.h"
 
 namespace ambrelio::host {
@@ -191,6 +193,20 @@ TEST_F(CreateDatabaseTest, LoadsAMasterTable) {
   EXPECT_EQ(ToText(rows->Value(0)), "L'Olivar, S.L.");
   rows->MoveNext();
   EXPECT_EQ(ToText(rows->Value(0)), "José Muñoz");
+}
+
+// The row is not at fault, whichever it is.
+TEST_F(CreateDatabaseTest, AFullDiskWhileAMasterIsLoadedIsTheDisksError) {
+  CreateMillDatabase(*engine, path, "");
+  const auto probe = std::make_shared<test::Probe>();
+  test::ProbeEngine failing(engine, probe);
+  const auto database = failing.DefaultWorkspace().OpenDatabase(path, false, false, ";pwd=");
+  const std::string master = WriteFile("CODSOC,NOMSOC\n1,a\n2,b\n");
+  for (const int number : {3026, 3043}) {
+    probe->FailAt(3, number);  // after the beginning and the first row
+    EXPECT_EQ(test::ErrorOf([&] { LoadMaster(failing, *database, "SOCIO", master); }), number);
+    EXPECT_EQ(ToLong(database->OpenRecordset("select count(*) from SOCIO")->Value(0)), 0);
+  }
 }
 
 TEST_F(CreateDatabaseTest, NamesTheLineOfAnUnknownColumn) {

@@ -49,6 +49,7 @@ TEST_F(AtomicFileTest, ReplacesAFile) {
 TEST_F(AtomicFileTest, TakesAPathWithoutAFolder) {
   fs::path before = fs::current_path();
   fs::current_path(folder_.path());
+  WriteFileAtomically("a.ini", "old");
   WriteFileAtomically("a.ini", "new");
   fs::current_path(before);
   EXPECT_EQ(ReadWholeFile(file_), "new");

@@ -26,5 +26,10 @@ TEST(DatagramSocketLimits, TooManyOpenSocketsRaise10024) {
   EXPECT_EQ(error, 10024);
 }
 
+// Of the addresses that are reserved for examples, no machine has one.
+TEST(DatagramSocketPlaces, AnAddressOfAnotherMachineRaises10049) {
+  EXPECT_EQ(ErrorOfBind({"192.0.2.1", 0}), 10049);
+}
+
 }  // namespace
 }  // namespace ambrelio

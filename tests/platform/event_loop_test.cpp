@@ -262,6 +262,61 @@ TEST_F(EventLoopTest, RunUntilIdleDoesNotWait) {
 
 // --- the system's clock
 
+// --- a waiter in the loop's place
+
+class LoggingWaiter : public EventLoop::Waiter {
+ public:
+  void TimersChanged() override { log.push_back("timers"); }
+  void Watching(EventLoop::SocketHandle socket) override {
+    log.push_back("watching " + std::to_string(socket));
+  }
+  void StoppedWatching(EventLoop::SocketHandle socket) override {
+    log.push_back("stopped " + std::to_string(socket));
+  }
+  std::vector<std::string> log;
+};
+
+TEST_F(EventLoopTest, TellsItsWaiterOfTimersAndWatches) {
+  LoggingWaiter waiter;
+  loop.SetWaiter(&waiter);
+  const auto timer = loop.StartTimer(Milliseconds(10), Log("tick"));
+  loop.StopTimer(timer);
+  loop.StopTimer(timer);
+  loop.Watch(5, Log("readable"));
+  loop.StopWatching(5);
+  loop.StopWatching(5);
+  EXPECT_THAT(waiter.log, ElementsAre("timers", "timers", "timers", "watching 5", "stopped 5"));
+}
+
+TEST_F(EventLoopTest, TellsANewWaiterOfWhatIsThere) {
+  loop.Watch(5, Log("readable"));
+  LoggingWaiter waiter;
+  loop.SetWaiter(&waiter);
+  EXPECT_THAT(waiter.log, ElementsAre("timers", "watching 5"));
+  loop.SetWaiter(nullptr);
+  loop.StopWatching(5);
+  EXPECT_THAT(waiter.log, ::testing::SizeIs(2));
+}
+
+TEST_F(EventLoopTest, KnowsTheTimeUntilTheNextTimer) {
+  EXPECT_EQ(loop.UntilNextTimer(), std::nullopt);
+  loop.StartTimer(Milliseconds(30), Log("later"));
+  loop.StartTimer(Milliseconds(20), Log("next"));
+  ticks.Pass(Milliseconds(5));
+  EXPECT_EQ(loop.UntilNextTimer(), Milliseconds(15));
+  ticks.Pass(Milliseconds(50));
+  EXPECT_EQ(loop.UntilNextTimer(), Milliseconds(0));
+}
+
+TEST_F(EventLoopTest, RunNextDeliversOneEvent) {
+  loop.StartTimer(Milliseconds(0), Log("first"));
+  loop.StartTimer(Milliseconds(0), Log("second"));
+  EXPECT_TRUE(loop.RunNext());
+  EXPECT_THAT(log, ElementsAre("first"));
+  EXPECT_TRUE(loop.RunNext());
+  EXPECT_FALSE(loop.RunNext());
+}
+
 TEST(SystemTicks, NeverGoBack) {
   const Milliseconds before = TickClock::System().Now();
   EXPECT_GE(TickClock::System().Now(), before);

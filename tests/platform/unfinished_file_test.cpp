@@ -57,14 +57,6 @@ TEST_F(UnfinishedFileTest, ReplacesNothing) {
   EXPECT_EQ(Read(place), "mine");
 }
 
-TEST_F(UnfinishedFileTest, ReplacesNoLinkThatLeadsNowhere) {
-  std::filesystem::create_symlink(folder.File("elsewhere"), place);
-  const UnfinishedFile file(place);
-  Write(file.path(), "complete");
-  EXPECT_EQ(file.TakePlace(), std::errc::file_exists);
-  EXPECT_TRUE(std::filesystem::is_symlink(place));
-}
-
 TEST_F(UnfinishedFileTest, ReportsAFileThatWasNeverMade) {
   EXPECT_EQ(UnfinishedFile(place).TakePlace(), std::errc::no_such_file_or_directory);
 }

@@ -73,6 +73,36 @@ class MillTest : public ::testing::Test {
     return 0;
   }
 
+  // The rows of a query or table, each as its values joined by "|".
+  static std::vector<std::string> RowsOf(dao::Database& database, const std::string& source) {
+    std::vector<std::string> rows;
+    auto recordset = database.OpenRecordset(source);
+    for (; !recordset->AtEnd(); recordset->MoveNext()) {
+      std::string row;
+      for (int i = 0; i < recordset->Fields().Count(); ++i) {
+        if (i > 0) row += '|';
+        row += Show(recordset->Value(i));
+      }
+      rows.push_back(std::move(row));
+    }
+    return rows;
+  }
+
+  // Every row of every table, as one text that two moments can be compared by.
+  static std::string DumpOf(dao::Database& database) {
+    std::string dump;
+    auto& tables = database.TableDefs();
+    for (int i = 0; i < tables.Count(); ++i) {
+      const std::string name = tables.Item(i)->Name();
+      if (name.starts_with("MSys")) continue;
+      std::vector<std::string> rows = RowsOf(database, "select * from [" + name + "]");
+      std::sort(rows.begin(), rows.end());
+      dump += name + "\n";
+      for (const std::string& row : rows) dump += "  " + row + "\n";
+    }
+    return dump;
+  }
+
  protected:
   // 4 hoppers, 2 intermediate hoppers, 6 tanks, no password, open.
   void SetUp() override {
@@ -114,22 +144,8 @@ class MillTest : public ::testing::Test {
         "order by partida, tolva, descarga");
   }
 
-  // The rows of a query or table, each as its values joined by "|".
   std::vector<std::string> Rows(const std::string& source) {
     return RowsOf(session.Database(), source);
-  }
-  static std::vector<std::string> RowsOf(dao::Database& database, const std::string& source) {
-    std::vector<std::string> rows;
-    auto recordset = database.OpenRecordset(source);
-    for (; !recordset->AtEnd(); recordset->MoveNext()) {
-      std::string row;
-      for (int i = 0; i < recordset->Fields().Count(); ++i) {
-        if (i > 0) row += '|';
-        row += Show(recordset->Value(i));
-      }
-      rows.push_back(std::move(row));
-    }
-    return rows;
   }
 
   // The first value of the first row; Empty without rows.
@@ -138,21 +154,7 @@ class MillTest : public ::testing::Test {
     return recordset->AtEnd() ? Variant() : recordset->Value(0);
   }
 
-  // Every row of every table, as one text that two moments can be compared by.
   std::string Dump() { return DumpOf(session.Database()); }
-  static std::string DumpOf(dao::Database& database) {
-    std::string dump;
-    auto& tables = database.TableDefs();
-    for (int i = 0; i < tables.Count(); ++i) {
-      const std::string name = tables.Item(i)->Name();
-      if (name.starts_with("MSys")) continue;
-      std::vector<std::string> rows = RowsOf(database, "select * from [" + name + "]");
-      std::sort(rows.begin(), rows.end());
-      dump += name + "\n";
-      for (const std::string& row : rows) dump += "  " + row + "\n";
-    }
-    return dump;
-  }
 
   // What `action` asks of the engine, in order: SQL texts, "begin", "commit" and "rollback".
   std::vector<std::string> Sent(const std::function<void()>& action) {

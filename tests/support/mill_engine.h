@@ -8,6 +8,7 @@
 
 #ifdef AMBRELIO_TEST_OVER_DAO
 #include "ambrelio/engine/dao_com/dao_engine.h"
+#include "support/error_of.h"
 #include "windows/dao_stand_in/stand_in.h"
 #else
 #include "ambrelio/engine/engine.h"
@@ -25,7 +26,11 @@ inline StandIn& TheStandIn() {
 
 inline std::shared_ptr<dao::DBEngine> MakeMillEngine() {
   TheStandIn();
-  return dao_com::CreateEngine();
+  auto engine = dao_com::CreateEngine();
+  // The workspace is the process's: levels that a test before has left open are still there.
+  while (ErrorOf([&] { engine->DefaultWorkspace().Rollback(); }) == 0) {
+  }
+  return engine;
 }
 
 #else

@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <random>
@@ -23,6 +22,7 @@
 #include <utility>
 #include <vector>
 
+#include "ambrelio/platform/atomic_file.h"
 #include "support/watched_files.h"
 
 namespace ambrelio::test {
@@ -98,8 +98,7 @@ class DiskRecord {
       return step.file == id && step.name == name;
     });
     if (known) return;
-    std::ifstream stream(Path(name), std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    std::string bytes = ReadWholeFile(Path(name)).value_or("");
     const bool found = there || !is_new || !bytes.empty();
     if (!is_new) bytes.clear();  // another name of a file whose content is known
     steps_.push_back({FileRequest::kOpen, name, file, 0, std::move(bytes), false, found});

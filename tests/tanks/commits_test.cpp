@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "ambrelio/hoppers/tolva.h"
+#include "ambrelio/host/weighing.h"
 #include "ambrelio/tanks/deposito.h"
 #include "support/counted_files.h"
 #include "support/mill.h"
@@ -48,6 +49,46 @@ TEST_F(Commits, AListOfStatementsWithoutATransactionWaitsOnce) {
 TEST_F(Commits, TheNextCallWaitsAgain) {
   root.IniciarCampana();
   EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+}
+
+// The opening by Constructor writes, and has the second wait; that of other settings does not.
+TEST_F(Commits, TheFirstThatWritesAfterAClosingBeginsTheLog) {
+  root.Cerrar();
+  EXPECT_EQ(WaitsOf([&] { root.Constructor(folder.path(), false); }), 2);
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+  EXPECT_EQ(WaitsOf([&] { Reopen(); }), 2);  // the closing moves the log
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Sur"); }), 2);
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+}
+
+// An error within the transaction of such a call leaves it open; its end then waits, and what comes
+// afterwards waits as ever.
+TEST_F(Commits, ATransactionThatAnErrorLeavesOpenDoesNotKeepLaterCallsFromWaiting) {
+  for (int hopper : {1, 2}) root.Tolva(static_cast<int16_t>(hopper))->DescargaEnCurso();
+  probe->FailAt(5, 3218);
+  EXPECT_EQ(ErrorOf([&] { root.Trasegar(1, 2, 0.5); }), 3218);
+  ASSERT_EQ(probe->level, 1);
+  session.Workspace().Rollback();
+  EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre("Norte"); }), 1);
+}
+
+TEST_F(Commits, ALogIsNotMovedIntoTheFileWithinACall) {
+  const std::string name(30, 'x');
+  for (int commit = 0; commit < 1200; ++commit) {
+    EXPECT_EQ(WaitsOf([&] { root.Deposito(3)->SetNombre(name + std::to_string(commit)); }), 1);
+  }
+}
+
+TEST_F(Commits, ACallThatEndsUpWritingNothingWaitsForNothing) {
+  const auto store = [&] {
+    return ErrorOf([&] {
+      host::StoreWeighing(
+          session,
+          {{"PARTIDA", 1}, {"COOPERATIVA", 1}, {"MEDIANA", 0}, {"CODPRO", 1}, {"TOLVA", 1}});
+    });
+  };
+  EXPECT_EQ(WaitsOf([&] { EXPECT_EQ(store(), 0); }), 1);
+  EXPECT_EQ(WaitsOf([&] { EXPECT_EQ(store(), 3022); }), 0);
 }
 
 TEST_F(Commits, AnErrorInTheMiddleLeavesWhatWasWrittenDurable) {

@@ -117,7 +117,7 @@ TEST_F(LateBoundServer, FollowsAReferenceToAReference) {
 TEST_F(LateBoundServer, WritesTheLitresTakenBack) {
   FillTank();
   VARIANT litres = Double(9000);
-  EXPECT_EQ(Invoke(Tank().get(), "NuevoVaciado", {Integer(0), ReferTo(litres)}).Value(),
+  EXPECT_EQ(Invoke(Tank().get(), "NuevoVaciado", {Integer(2), ReferTo(litres)}).Value(),
             Variant(int32_t{1}));
   EXPECT_EQ(com::FromCom(litres), Variant(500.0));
 }
@@ -134,8 +134,7 @@ TEST_F(LateBoundServer, WritesBackWhatWasChangedBeforeAFailure) {
 
 TEST_F(LateBoundServer, FillsVariablesThatAreWrittenOnly) {
   FillTank();
-  OwnedVariant litres, level;
-  OwnedVariant moment = com::ToCom("");
+  OwnedVariant litres, level, moment;
   const Outcome outcome =
       Invoke(Tank().get(), "UltimoMovimiento",
              {ReferTo(litres.get()), ReferTo(level.get()), ReferTo(moment.get())});
@@ -279,7 +278,7 @@ TEST_F(LateBoundServer, RefusesWrongTypesAndCounts) {
 TEST_F(LateBoundServer, PassesTheNumbersOfTheEngineThrough) {
   FillTank();
   const LateBound tank = Tank();
-  tank.Call("NuevoVaciado", {int16_t{0}, 100.0});
+  tank.Call("NuevoVaciado", {int16_t{2}, 100.0});
   const LateBound emptying = tank.ObjectFrom("Vaciado", {int32_t{1}});
   tank.Call("DeshacerVaciado");
   EXPECT_EQ(ErrorOf([&] { emptying.Call("Litros"); }), 3021);

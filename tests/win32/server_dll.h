@@ -23,7 +23,11 @@ class Apartment {
 
 class ServerDll {
  public:
-  static std::wstring Path() { return com::ToWide(AMBRELIO_SERVER); }
+  static std::wstring Path() {
+    wchar_t path[MAX_PATH];
+    ::GetFullPathNameW(com::ToWide(AMBRELIO_SERVER).c_str(), MAX_PATH, path, nullptr);
+    return path;
+  }
 
   ServerDll() : module_(::LoadLibraryW(Path().c_str())) {
     if (module_ == nullptr) throw std::runtime_error("Ambrelio.dll does not load");

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "ambrelio/com/owned.h"
+
 namespace ambrelio::test {
 
 // One line for the library, each class, interface, enumeration, and below them each member with
@@ -34,7 +36,7 @@ class Function {
   const FUNCDESC* operator->() const { return description_; }
 
  private:
-  ITypeInfo* info_;
+  com::ComPtr<ITypeInfo> info_;
   FUNCDESC* description_ = nullptr;
 };
 class Attributes {
@@ -46,7 +48,7 @@ class Attributes {
   const TYPEATTR* operator->() const { return attributes_; }
 
  private:
-  ITypeInfo* info_;
+  com::ComPtr<ITypeInfo> info_;
   TYPEATTR* attributes_ = nullptr;
 };
 

@@ -64,11 +64,14 @@ void WriteFunctions(std::ostringstream& out, ITypeInfo* info) {
     const std::vector<std::string> names = NamesOf(info, function->memid);
     out << "  [id(" << function->memid << ")" << kind << "] "
         << TypeText(info, function->elemdescFunc.tdesc) << " " << names[0] << "(";
+    // A property has the names of its get, which has none for the value that its let sets.
+    const bool let = function->invkind == INVOKE_PROPERTYPUT;
     for (SHORT argument = 0; argument < function->cParams; ++argument) {
+      const bool named = !let || argument + 1 < function->cParams;
       const auto at = static_cast<size_t>(argument) + 1;
       out << (argument == 0 ? "" : ", ")
           << ArgumentText(info, function->lprgelemdescParam[argument],
-                          at < names.size() ? names[at] : "");
+                          named && at < names.size() ? names[at] : "");
     }
     out << ") vtable " << static_cast<size_t>(function->oVft) / sizeof(void*) << "\n    "
         << DocumentationOf(info, function->memid).help << "\n";
@@ -170,7 +173,7 @@ std::string TypeLibraryText(ITypeLib* library) {
                                                              : "interface";
     out << "\n"
         << kind << " " << documentation.name << " " << GuidText(type->guid)
-        << FlagsText(type->wTypeFlags) << "\n";
+        << FlagsText(Attributes(VtableView(info).get())->wTypeFlags) << "\n";
     if (!documentation.help.empty()) out << "  " << documentation.help << "\n";
     if (type->typekind == TKIND_COCLASS) {
       HREFTYPE reference = 0;

@@ -41,9 +41,9 @@ class Recordset {
   virtual Collection<Field>& Fields() = 0;
   virtual void Close() = 0;
 
-  // Shorthands for Fields().Item(...)->Value().
-  Variant Value(std::string_view field) { return Fields().Item(field)->Value(); }
-  Variant Value(int field) { return Fields().Item(field)->Value(); }
+  // Shorthands for Fields().Item(...)->Value(); an engine can do without the objects between.
+  virtual Variant Value(std::string_view field) { return Fields().Item(field)->Value(); }
+  virtual Variant Value(int field) { return Fields().Item(field)->Value(); }
 };
 
 class Database {

@@ -21,13 +21,13 @@ const embedded::KeptIndexes& MillIndexes() {
       // The readings of a tank by number and by time; of some days.
       {"Niveles", {"Deposito", "Item"}, ""},
       {"Niveles", {"Deposito", "Momento", "Item"}, ""},
-      {"Niveles", {"Momento"}, ""},
+      {"Niveles", {"Momento", "Deposito", "Item"}, ""},
       // The emptyings of a tank by number and by time; into a tank by time; of some days; of a
       // client.
       {"Vaciados", {"Deposito", "Vaciado"}, ""},
       {"Vaciados", {"Deposito", "mmto", "Vaciado"}, ""},
       {"Vaciados", {"Destino", "mmto", "Deposito", "Vaciado"}, ""},
-      {"Vaciados", {"mmto"}, ""},
+      {"Vaciados", {"mmto", "Deposito", "Vaciado"}, ""},
       {"Vaciados", {"Cliente", "mmto"}, ""},
       {"detVaciados", {"Deposito", "Vaciado"}, ""},
   };

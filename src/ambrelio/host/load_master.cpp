@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "ambrelio/dao/errors.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/host/csv.h"
 #include "ambrelio/host/sql_literal.h"
@@ -15,6 +16,12 @@ std::string ReadFile(const std::string& path) {
   auto bytes = ReadWholeFile(path);
   if (!bytes) Raise(RuntimeError::kPathFileAccess, path + ": the file cannot be read");
   return *std::move(bytes);
+}
+
+// Whether no row would have gone in.
+bool IsOfTheDisk(const AutomationError& error) {
+  return error.number() == static_cast<int>(dao::DaoError::kDiskFull) ||
+         error.number() == static_cast<int>(dao::DaoError::kDiskError);
 }
 
 // Inserts the rows of one file into one table.
@@ -59,6 +66,7 @@ class MasterLoader {
       database_.Execute("insert into " + table_ + " (" + columns_ + ") values (" + values + ")",
                         dao::kFailOnError);
     } catch (const AutomationError& error) {
+      if (IsOfTheDisk(error)) throw;
       Fail(row.line, error.description());
     }
   }

@@ -17,4 +17,8 @@ std::optional<std::string> ReadWholeFile(const std::string& path);
 // that cannot be done, as for a file without write permission.
 void WriteFileAtomically(const std::string& path, std::string_view bytes);
 
+// Makes the names of the files in the folder of `path` last. Where the system has no such thing, or
+// the file system cannot do it, nothing happens.
+void SyncFolderOf(const std::string& path);
+
 }  // namespace ambrelio

@@ -81,14 +81,6 @@ class TemporaryFile {
   int handle_ = -1;
 };
 
-// Makes the renaming last. A file system that cannot do so has still renamed.
-void SyncFolder(const fs::path& folder) {
-  int handle = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (handle < 0) return;
-  ::fsync(handle);
-  ::close(handle);
-}
-
 }  // namespace
 
 void WriteFileAtomically(const std::string& path, std::string_view bytes) {
@@ -105,7 +97,16 @@ void WriteFileAtomically(const std::string& path, std::string_view bytes) {
   if (replaces) file.TakePermissionsOf(old);
   file.Write(bytes);
   file.TakePlace();
-  SyncFolder(target.parent_path());
+  SyncFolderOf(target.string());
+}
+
+void SyncFolderOf(const std::string& path) {
+  const fs::path folder = fs::path(path).parent_path();
+  const int handle =
+      ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (handle < 0) return;
+  ::fsync(handle);
+  ::close(handle);
 }
 
 }  // namespace ambrelio

@@ -92,8 +92,9 @@ class TemporaryFile {
 
 void WriteFileAtomically(const std::string& path, std::string_view bytes) {
   if (path.empty() || path.find('\0') != std::string::npos) Fail(path, ERROR_INVALID_NAME);
-  std::filesystem::path target = FilePath(path);
   std::error_code error;
+  std::filesystem::path target = std::filesystem::absolute(FilePath(path), error);
+  if (error) Fail(path, ERROR_INVALID_NAME);
   if (std::filesystem::is_symlink(target, error)) {
     target = target.parent_path() / std::filesystem::read_symlink(target, error);
   }
@@ -106,5 +107,7 @@ void WriteFileAtomically(const std::string& path, std::string_view bytes) {
   file.Write(bytes);
   file.TakePlaceOf(target, replaces);
 }
+
+void SyncFolderOf(const std::string&) {}
 
 }  // namespace ambrelio

@@ -4,6 +4,7 @@
 #include <random>
 #include <utility>
 
+#include "ambrelio/platform/atomic_file.h"
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio {
@@ -25,13 +26,17 @@ UnfinishedFile::~UnfinishedFile() {
 std::error_code UnfinishedFile::TakePlace() const {
   std::error_code error;
   fs::create_hard_link(FilePath(path_), FilePath(place_), error);
-  if (!error || error == std::errc::file_exists) return error;
+  if (!error) SyncFolderOf(place_);
+  if (!error || error == std::errc::file_exists || error == std::errc::no_such_file_or_directory) {
+    return error;
+  }
   // Without hard links there is only the renaming, which would overwrite.
   std::error_code ignored;
   if (fs::exists(fs::symlink_status(FilePath(place_), ignored))) {
     return std::make_error_code(std::errc::file_exists);
   }
   fs::rename(FilePath(path_), FilePath(place_), error);
+  if (!error) SyncFolderOf(place_);
   return error;
 }
 

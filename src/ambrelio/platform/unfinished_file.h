@@ -18,8 +18,8 @@ class UnfinishedFile {
 
   // Where to make the file.
   const std::string& path() const { return path_; }
-  // Puts the file in its place. file_exists when that is taken, also by a link that leads nowhere:
-  // nothing is ever replaced.
+  // Puts the file in its place, for good where its bytes are. file_exists when that is taken, also
+  // by a link that leads nowhere: nothing is ever replaced.
   std::error_code TakePlace() const;
 
  private:

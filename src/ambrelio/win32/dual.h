@@ -41,8 +41,8 @@ class Dual : public Interface,
     *count = 1;
     return S_OK;
   }
-  STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) final {
-    return TypeInfo(index, locale, info);
+  STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) final {
+    return TypeInfo(index, info);
   }
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
                              DISPID* ids) final {

@@ -132,11 +132,10 @@ HRESULT ServerObject::Enter(Body&& body) noexcept {
   });
 }
 
-HRESULT ServerObject::TypeInfo(UINT index, LCID locale, ITypeInfo** info) const {
+HRESULT ServerObject::TypeInfo(UINT index, ITypeInfo** info) const {
   if (info == nullptr) return E_POINTER;
   *info = nullptr;
   if (index != 0) return DISP_E_BADINDEX;
-  static_cast<void>(locale);  // there is one type library for all
   return Guarded(class_.interface_id, [&] { *info = TypeInfoOf(class_.interface_id).Release(); });
 }
 

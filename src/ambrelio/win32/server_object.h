@@ -39,7 +39,7 @@ class ServerObject {
   ULONG Hold() { return ++references_; }
   ULONG LetGo();
 
-  HRESULT TypeInfo(UINT index, LCID locale, ITypeInfo** info) const;
+  HRESULT TypeInfo(UINT index, ITypeInfo** info) const;
   HRESULT ClassInfo(ITypeInfo** info) const;
   HRESULT Ids(REFIID reserved, LPOLESTR* names, UINT count, DISPID* ids);
   HRESULT InvokeById(DISPID id, REFIID reserved, WORD flags, DISPPARAMS* parameters,

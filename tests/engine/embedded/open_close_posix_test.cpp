@@ -1,4 +1,4 @@
-// Opening and making files that a user has no right to.
+// Opening and making files that a user has no right to, or that other systems have no name for.
 #include <unistd.h>
 
 #include <filesystem>
@@ -13,6 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::ErrorOf;
+
+using FileNames = test::EngineTest;
 
 class Permissions : public test::EngineTest {
  protected:
@@ -70,6 +72,12 @@ TEST_F(Permissions, IsDeniedANewFileInAFolderThatMayNotBeWritten) {
   });
   fs::permissions(folder_.path(), fs::perms{0755});
   EXPECT_TRUE(ended_well);
+}
+
+TEST_F(FileNames, MayHoldSignsThatSearchesAreWrittenWith) {
+  const std::string name = "what? *.mdb";
+  Create(name)->Close();
+  EXPECT_EQ(ErrorOf([&] { Open(name); }), 0);
 }
 
 }  // namespace

@@ -52,8 +52,8 @@ TEST_F(OpenClose, KeepsEverythingInOneFileOnceClosed) {
 }
 
 TEST_F(OpenClose, OpensAFileUnderANameBeyondAscii) {
-  Create("almazara ñandú #1 100%?.mdb")->Close();
-  EXPECT_EQ(OpenError("almazara ñandú #1 100%?.mdb"), 0);
+  Create("almazara ñandú #1 100%.mdb")->Close();
+  EXPECT_EQ(OpenError("almazara ñandú #1 100%.mdb"), 0);
 }
 
 TEST_F(OpenClose, DoesNotFindAMissingFile) {

@@ -14,6 +14,13 @@ class OpenOnWindows : public test::EngineTest {
   void Mark(DWORD attributes) const {
     ASSERT_TRUE(::SetFileAttributesW(FilePath(Path()).c_str(), attributes));
   }
+  bool CanBeWritten() const {
+    const HANDLE file = ::CreateFileW(FilePath(Path()).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
+                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    ::CloseHandle(file);
+    return true;
+  }
   int OpenErrorOfPath(const std::string& path) {
     return ErrorOf([&] { workspace().OpenDatabase(path, false, false, ""); });
   }
@@ -22,6 +29,7 @@ class OpenOnWindows : public test::EngineTest {
 TEST_F(OpenOnWindows, OpensAFileMarkedAsReadOnlyForReading) {
   AddTanks(*Create());
   Mark(FILE_ATTRIBUTE_READONLY);
+  if (CanBeWritten()) GTEST_SKIP() << "Wine lets root write to such files";
   for (const bool read_only : {false, true}) {
     const auto database = workspace().OpenDatabase(Path(), false, read_only, "");
     EXPECT_EQ(CountRows(*database), 0);

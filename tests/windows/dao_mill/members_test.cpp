@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,8 @@ class DaoMill : public test::MillTest {
 struct Member {
   const char* name;
   std::function<void(Trazabilidad&)> call;
+
+  friend void PrintTo(const Member& member, std::ostream* out) { *out << member.name; }
 };
 
 const Member kMembers[] = {
@@ -160,8 +163,7 @@ const Member kMembers[] = {
     {"ReferenteNuevo",
      [](Trazabilidad& root) {
        const auto client = root.NuevoReferente(1);
-       client->SetCodigo(8);
-       client->SetNombre("Cliente 8");
+       client->SetNombre("Cliente " + std::to_string(client->Codigo()));
        root.GuardarReferente(1, client);
      }},
     {"ReferenteEliminar", [](Trazabilidad& root) { root.EliminarReferente(1, 7); }},
@@ -288,12 +290,13 @@ TEST_F(DaoMill, RollsBackADischargeThatIsRefused) {
 
 // The one member that wants to hear of rows that are refused.
 TEST_F(DaoMill, SavesReferentsWithFailOnError) {
+  const auto client = Client(9);
   EXPECT_THAT(
-      Statements([&] { root.GuardarReferente(1, Client(9)); }),
+      Statements([&] { root.GuardarReferente(1, client); }),
       ElementsAre("DAO.Database.Execute(\"insert into Clientes (Codigo, Nombre, NIF, Info1, "
                   "Info2, Info3) values (9, 'Cliente 9', Null, Null, Null, Null) \", 128)",
                   "DAO.Database.RecordsAffected"));
-  EXPECT_EQ(ErrorOf([&] { root.GuardarReferente(1, Client(9)); }), 3022);
+  EXPECT_EQ(ErrorOf([&] { root.GuardarReferente(1, client); }), 3022);
 }
 
 TEST_F(DaoMill, OpensSharedWithThePassword) {

@@ -54,4 +54,8 @@ void Database::Close() {
   connection_->Close();
 }
 
+Explanation Database::Explain(const std::string& source) {
+  return connection_->executor().Explain(source);
+}
+
 }  // namespace ambrelio::embedded

@@ -32,6 +32,9 @@ class Database final : public dao::Database {
   dao::Collection<dao::QueryDef>& QueryDefs() override;
   void Close() override;
 
+  // How OpenRecordset or Execute would go about the statement; see Executor::Explain.
+  Explanation Explain(const std::string& source);
+
  private:
   std::shared_ptr<Connection> connection_;
   int32_t records_affected_ = 0;

@@ -155,10 +155,19 @@ TEST_F(BinderTest, ACopyOfATreeIsTheSameTree) {
   bool literals_compared = false;
   const auto copy = bound::Clone(query);
   EXPECT_TRUE(bound::SameExpr(*query.select->items[0], *copy->select->items[0], literals_compared));
-  EXPECT_TRUE(literals_compared);
+  EXPECT_FALSE(literals_compared) << "each literal is the same one";
   EXPECT_TRUE(bound::SameExpr(*query.select->where, *copy->select->where, literals_compared));
   EXPECT_FALSE(bound::SameExpr(*query.select->items[0], *copy->select->where, literals_compared));
   EXPECT_EQ(copy->order.size(), query.order.size());
+}
+
+TEST_F(BinderTest, TwoLiteralsAreTheSameByTheirValues) {
+  const auto& query = Query("select Numero + 1, Numero + 1, Numero + 2 from Tanque");
+  const auto& items = query.select->items;
+  bool literals_compared = false;
+  EXPECT_TRUE(bound::SameExpr(*items[0], *items[1], literals_compared));
+  EXPECT_TRUE(literals_compared);
+  EXPECT_FALSE(bound::SameExpr(*items[0], *items[2], literals_compared));
 }
 
 TEST_F(BinderTest, DefinitionsHaveNoBoundForm) {

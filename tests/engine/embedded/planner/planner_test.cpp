@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 PlanOptions Only(bool inner_joins, bool merged_queries, bool split_joins) {
-  PlanOptions options;
+  PlanOptions options = PlanOptions::Without("all");
   options.inner_joins = inner_joins;
   options.merged_queries = merged_queries;
   options.split_joins = split_joins;
@@ -71,6 +71,11 @@ class PlannerTest : public testing::Test {
     return PlannedWith(Only(false, true, false), text);
   }
   std::string Split(const std::string& text) { return PlannedWith(Only(false, false, true), text); }
+  std::string Shortened(const std::string& text) {
+    PlanOptions options = PlanOptions::Without("all");
+    options.shorter_keys = true;
+    return PlannedWith(options, text);
+  }
 
   // The first column of the rows, with all rewrites.
   std::vector<std::string> Rows(const std::string& text) {
@@ -90,9 +95,17 @@ class PlannerTest : public testing::Test {
   Liveness alive_ = std::make_shared<const bool>(true);
 };
 
+// "inner, merged, split" of what all rewrites make of a query.
+std::string Made(bound::Query& query) {
+  const RewritesMade made = Plan(query, {});
+  return std::to_string(made.inner_joins) + ", " + std::to_string(made.merged_queries) + ", " +
+         std::to_string(made.split_joins);
+}
+
 using InnerJoins = PlannerTest;
 using MergedQueries = PlannerTest;
 using SplitJoins = PlannerTest;
+using ShorterKeys = PlannerTest;
 
 TEST_F(InnerJoins, AreMadeWhereTheConditionRefusesNull) {
   EXPECT_THAT(Inner("select A.k from A left join B on A.k = B.k where B.n > 0"),
@@ -298,6 +311,23 @@ TEST_F(SplitJoins, ResolveTheTestsInTheConditionOfEachBranch) {
   EXPECT_THAT(sql, Not(HasSubstr("iif(")));
 }
 
+TEST_F(SplitJoins, ResolveTheTestsInWhatAGroupAddsUp) {
+  const std::string sql = Split(
+      "select A.t, sum(A.n * IIf(IsNull(B.k), 1, B.n)) from A left join B on A.n = B.k where "
+      "IIf(IsNull(B.k), A.n, B.n) = 3 group by A.t");
+  EXPECT_THAT(sql, Not(HasSubstr("IS NULL")));
+  EXPECT_THAT(sql, HasSubstr("(t1.\"n\" * t2.\"n\") AS"));
+}
+
+TEST_F(SplitJoins, WhatReachesOutOfAGroupIsComputedOutside) {
+  const std::string sql = Split(
+      "select C.k from C where C.n > (select sum(A.n * C.n) from A left join B on A.n = B.k where "
+      "Nz(B.n, A.n) = 3 or IsNull(B.k))");
+  EXPECT_THAT(sql, HasSubstr("UNION ALL"));
+  EXPECT_THAT(sql, HasSubstr(".c0 * t1.\"n\")"));
+  storage_->Run("explain " + sql);
+}
+
 TEST_F(SplitJoins, ATestOfAColumnThatMayBeNullStays) {
   EXPECT_THAT(Split("select A.k from A left join B on A.n = B.k where IIf(IsNull(B.n), A.n, B.n) "
                     "= 3"),
@@ -398,6 +428,35 @@ TEST_F(SplitJoins, SubqueriesReadWhatTheBranchesDeliver) {
   storage_->Run("explain " + sql);
 }
 
+TEST_F(ShorterKeys, EndWithThoseOfTheTableThatIsRead) {
+  const std::string from = " from A inner join B on A.n = B.n group by A.n";
+  EXPECT_THAT(Shortened("select first(A.t)" + from), HasSubstr("jet_first(t1.\"t\", t1.\"k\")"));
+  EXPECT_THAT(Shortened("select last(A.t & A.n)" + from), HasSubstr(", t1.\"k\") AS"));
+  EXPECT_THAT(Shortened("select first(B.t)" + from),
+              HasSubstr("jet_first(t2.\"t\", t1.\"k\", t2.\"k\")"));
+}
+
+TEST_F(ShorterKeys, StayWhereMoreThanOneTableIsRead) {
+  for (const char* read : {"A.n + B.n", "1", "A.t & B.t"}) {
+    const std::string text =
+        std::string("select first(") + read + ") from A inner join B on A.n = B.n group by A.n";
+    EXPECT_EQ(Shortened(text), Unplanned(text)) << text;
+  }
+}
+
+TEST_F(ShorterKeys, NeedEveryColumnOfTheKey) {
+  executor_.Execute("create table P (a long, b long, t text(5), constraint k primary key (a, b))",
+                    false);
+  EXPECT_THAT(Shortened("select first(P.t) from P inner join A on P.a = A.k group by A.n"),
+              HasSubstr("jet_first(t1.\"t\", t1.\"a\", t1.\"b\")"));
+}
+
+TEST_F(ShorterKeys, CanBeARowsIdentity) {
+  executor_.Execute("create table Q (n long, t text(5))", false);
+  const std::string text = "select first(Q.t) from Q inner join A on Q.n = A.n group by A.n";
+  EXPECT_LT(Shortened(text).size(), Unplanned(text).size());
+}
+
 TEST_F(PlannerTest, EverySourceKeepsANumberOfItsOwn) {
   for (const char* text :
        {"select q.x, q.x + 1 as y from (select k, (select max(n) from B where B.k = A.k) as x from "
@@ -463,6 +522,35 @@ TEST_F(PlannerTest, WhatIsTooDeepForTheStorageWhenPlannedIsPreparedAsItStands) {
   EXPECT_THAT(Rows("select mm from Deeper"), testing::ElementsAre("37"));
   EXPECT_EQ(executor_.Execute("insert into B (k, n) select k, mm from Deeper", true), 1);
   EXPECT_THAT(Rows("select n from B"), testing::ElementsAre("37"));
+}
+
+TEST_F(PlannerTest, CountsTheRewritesMade) {
+  const auto made = [&](const std::string& text) { return Made(*Bound(text)); };
+  EXPECT_EQ(made("select k from A where n = 1"), "0, 0, 0");
+  EXPECT_EQ(made("select A.k from (A left join B on A.k = B.k) left join C on B.n = C.k where "
+                 "C.n > 0"),
+            "2, 0, 0");
+  EXPECT_EQ(made("select x from (select y as x from (select k as y from A) as p) as q"), "0, 2, 0");
+  EXPECT_EQ(made("select A.k from A left join B on A.n = B.k where B.k is null or A.n = 1"),
+            "0, 0, 1");
+  EXPECT_EQ(made("select k from A where exists (select 1 from B left join C on B.n = C.k where "
+                 "C.n > A.n)"),
+            "1, 0, 0");
+}
+
+TEST_F(PlannerTest, CountsNoRewriteThatIsOff) {
+  const auto query = Bound(
+      "select q.k from (select k from A) as q left join B on q.k = B.k where "
+      "B.n > 0");
+  const RewritesMade made = Plan(*query, PlanOptions::Without("inner_joins"));
+  EXPECT_EQ(made.inner_joins, 0);
+  EXPECT_EQ(made.merged_queries, 1);
+}
+
+TEST_F(PlannerTest, CountsTheJoinsOfADelete) {
+  BoundStatement bound = Bind(
+      sql::Parse("delete A.* from A left join B on A.k = B.k where B.n > 0"), store_.Current());
+  EXPECT_EQ(Plan(bound.statement, {}).inner_joins, 1);
 }
 
 // An update goes through its own sources, and its order and its targets stay; only the join

@@ -30,7 +30,7 @@ void PrintTo(const Journal& journal, std::ostream* out) { *out << journal.name; 
 
 class JournalTest : public ::testing::TestWithParam<Journal> {
  protected:
-  static constexpr int kCommits = 40;
+  static constexpr int kCommits = 25;
   static constexpr int kRows = 200;
 
   JournalTest() : storage_(Storage::Create(folder_.File("a.mdb"))) {
@@ -83,6 +83,7 @@ class JournalTest : public ::testing::TestWithParam<Journal> {
     std::mt19937 random(11);
     size_t acknowledged = 0;
     for (size_t moment = record_.begin(); moment <= record_.now(); ++moment) {
+      if (worst == Fate::kDamaged) break;
       disk.AdvanceTo(moment);
       while (acknowledged < kCommits && committed_[acknowledged + 1] <= moment) ++acknowledged;
       // At every tenth moment, in a long run at each in many ways.

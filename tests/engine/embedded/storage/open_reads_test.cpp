@@ -166,31 +166,31 @@ TEST_F(OpenReadsTest, AreAbandonedWithTheStorage) {
 }
 
 TEST_F(OpenReadsTest, TheStateOfTheLogChangesWithEachCommit) {
-  const auto before = ReadLogState(storage_->raw());
+  const auto before = LogWatch(storage_->raw()).Read();
   ASSERT_TRUE(before);
-  EXPECT_EQ(ReadLogState(storage_->raw()), before);
-  EXPECT_EQ(ReadLogState(others_->raw()), before);
+  EXPECT_EQ(LogWatch(storage_->raw()).Read(), before);
+  EXPECT_EQ(LogWatch(others_->raw()).Read(), before);
   CommitByOthers();
-  const auto after = ReadLogState(storage_->raw());
+  const auto after = LogWatch(storage_->raw()).Read();
   EXPECT_NE(after, before);
   others_->Begin();
   others_->Run("insert into t values(4)");
-  EXPECT_EQ(ReadLogState(storage_->raw()), after);
+  EXPECT_EQ(LogWatch(storage_->raw()).Read(), after);
   others_->Rollback();
-  EXPECT_EQ(ReadLogState(storage_->raw()), after);
+  EXPECT_EQ(LogWatch(storage_->raw()).Read(), after);
 }
 
 TEST_F(OpenReadsTest, TheStateOfTheLogIsSeenWhileAnOlderOneIsRead) {
   const auto reading = Read();
-  const auto before = ReadLogState(storage_->raw());
+  const auto before = LogWatch(storage_->raw()).Read();
   CommitByOthers();
-  EXPECT_NE(ReadLogState(storage_->raw()), before);
+  EXPECT_NE(LogWatch(storage_->raw()).Read(), before);
 }
 
 TEST_F(OpenReadsTest, ADatabaseInMemoryHasNoLog) {
   sqlite3* db = nullptr;
   ASSERT_EQ(sqlite3_open(":memory:", &db), SQLITE_OK);
-  EXPECT_FALSE(ReadLogState(db));
+  EXPECT_FALSE(LogWatch(db).Read());
   sqlite3_close(db);
 }
 

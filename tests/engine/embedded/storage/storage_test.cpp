@@ -83,14 +83,43 @@ TEST_F(StorageTest, KeepsZeroBytesInText) {
   EXPECT_EQ(statement.Text(0), std::string_view("a\0b", 3));
 }
 
-TEST_F(StorageTest, ForgetsBindingsOnReset) {
+TEST_F(StorageTest, KeepsBindingsOnReset) {
   StorageStatement statement(storage_->raw(), "select ?");
   statement.Bind(1, int64_t{7});
   EXPECT_TRUE(statement.Step());
   EXPECT_FALSE(statement.Step());
   statement.Reset();
   statement.Step();
-  EXPECT_TRUE(statement.IsNull(0));
+  EXPECT_EQ(statement.Integer(0), 7);
+}
+
+TEST_F(StorageTest, BindsAllThatThereIsAParameterFor) {
+  StorageStatement statement(storage_->raw(), "select ?1 || ?2");
+  const auto bound = [&](const std::vector<Variant>& values) {
+    statement.BindAll(values);
+    statement.Step();
+    std::string text(statement.Text(0));
+    statement.Reset();
+    return text;
+  };
+  EXPECT_EQ(bound({int32_t{1}, "a", "too much"}), "1a");
+  EXPECT_EQ(bound({int32_t{1}, "b"}), "1b");
+  EXPECT_EQ(bound({int32_t{2}, "b"}), "2b");
+  EXPECT_EQ(bound({1.5}), "1.5b");
+}
+
+TEST_F(StorageTest, PreparesAStatementAnewForOtherValuesAlone) {
+  storage_->Run("create table p(x); create index i on p(x) where x > 3");
+  StorageStatement statement(storage_->raw(), "select x from p where x > ?1");
+  const auto prepared_anew = [&](int32_t value) {
+    statement.BindAll({value});
+    statement.Step();
+    statement.Reset();
+    return sqlite3_stmt_status(statement.raw(), SQLITE_STMTSTATUS_REPREPARE, 1);
+  };
+  prepared_anew(3);
+  EXPECT_EQ(prepared_anew(3), 0);
+  EXPECT_EQ(prepared_anew(4), 1);
 }
 
 TEST_F(StorageTest, StaysUsableWhenAStatementIsMoved) {
@@ -203,6 +232,46 @@ TEST_F(StorageTest, NoticesWhatOthersCommit) {
   other->Run("insert into t(a) values(2)");
   EXPECT_TRUE(storage_->ChangedByOthers());
   EXPECT_FALSE(storage_->ChangedByOthers());
+}
+
+TEST_F(StorageTest, NoticesWhatOthersCommitWhileItReads) {
+  Insert(1);
+  const auto other = OpenAnother();
+  storage_->ChangedByOthers();
+  StorageStatement reading(storage_->raw(), "select a from t");
+  storage_->CatchUp();
+  ASSERT_TRUE(reading.Step());
+  other->Run("insert into t(a) values(2)");
+  EXPECT_FALSE(storage_->IsAsLookedAt());
+  reading.Reset();
+  EXPECT_TRUE(storage_->ChangedByOthers());
+  EXPECT_TRUE(storage_->IsAsLookedAt());
+}
+
+TEST_F(StorageTest, NoticesAfterATransactionWhatOthersCommittedBeforeIt) {
+  const auto other = OpenAnother();
+  storage_->ChangedByOthers();
+  other->Run("insert into t(a) values(2)");
+  storage_->Begin();
+  EXPECT_TRUE(storage_->ChangedByOthers());
+  EXPECT_FALSE(storage_->ChangedByOthers());
+  Insert(1);
+  storage_->Commit();
+  EXPECT_FALSE(storage_->ChangedByOthers());
+  other->Run("insert into t(a) values(3)");
+  EXPECT_TRUE(storage_->ChangedByOthers());
+}
+
+TEST_F(StorageTest, NoticesBehindAReadOnlyTransactionWhatOthersCommittedInIt) {
+  Insert(1);
+  const auto reader = OpenAnother(Storage::Access::kReadOnly);
+  reader->ChangedByOthers();
+  reader->Begin();
+  reader->ChangedByOthers();
+  Insert(2);
+  EXPECT_FALSE(reader->ChangedByOthers());
+  reader->Commit();
+  EXPECT_TRUE(reader->ChangedByOthers());
 }
 
 TEST_F(StorageTest, NoticesNothingThatOthersHaveNotCommitted) {

@@ -85,6 +85,7 @@ bool SameExpr(const Expr& a, const Expr& b, bool& literals_compared) {
     return false;
   }
   if (a.kind == ExprKind::kLiteral) {
+    if (a.slot >= 0 && a.slot == b.slot) return true;
     if (a.slot >= 0 || b.slot >= 0) literals_compared = true;
     return a.literal == b.literal;
   }

@@ -1,6 +1,6 @@
 #include "ambrelio/engine/embedded/execution/executor.h"
 
-#include <functional>
+#include <utility>
 
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/execution/data_definition.h"
@@ -33,28 +33,23 @@ bool IsName(std::string_view text) {
   return !text.empty() && text.find_first_of(" \t\r\n()'\"#") == std::string_view::npos;
 }
 
-// Outside of transactions, one for everything that the opening of a recordset reads: it sees one
-// state of the file, whose locks are taken once. The recordset's statement holds that state when
-// the transaction has ended.
+// One for everything that the opening of a recordset reads: it sees one state of the file, whose
+// locks are taken once. The recordset's statement holds that state when the transaction has ended.
 class ReadTransaction {
  public:
-  ReadTransaction(Storage& storage, StorageStatement& begin, StorageStatement& end)
-      : end_(storage.level() == 0 ? &end : nullptr) {
-    if (end_ == nullptr) return;
-    storage.CatchUp();
+  ReadTransaction(StorageStatement& begin, StorageStatement& end) : end_(end) {
     begin.Step();
     begin.Reset();
   }
   ~ReadTransaction() {
-    if (end_ == nullptr) return;
-    sqlite3_step(end_->raw());
-    sqlite3_reset(end_->raw());
+    sqlite3_step(end_.raw());
+    sqlite3_reset(end_.raw());
   }
   ReadTransaction(const ReadTransaction&) = delete;
   ReadTransaction& operator=(const ReadTransaction&) = delete;
 
  private:
-  StorageStatement* end_;
+  StorageStatement& end_;
 };
 
 }  // namespace
@@ -71,7 +66,7 @@ class Executor::Impl {
   int32_t Execute(const std::string& sql, bool fail_on_error) {
     storage_.SettleReads();
     const Catalogue& catalogue = Refresh();
-    const sql::Shape shape = sql::ShapeOf(sql);
+    sql::Shape shape = sql::ShapeOf(sql);
     bool defined = false;
     const auto prepare = [&] {
       const sql::Statement statement = sql::Parse(sql);
@@ -93,16 +88,35 @@ class Executor::Impl {
 
   std::unique_ptr<dao::Recordset> Open(const std::string& source, dao::RecordsetType type,
                                        Liveness alive) {
-    const ReadTransaction reading(storage_, begin_reading_, end_reading_);
+    // Where nobody has committed since the catalogue was looked at, nothing is read but the
+    // statement's own rows; if somebody has by the time it is open, it is opened once more.
+    const bool in_transaction = storage_.level() > 0;
+    if (in_transaction || storage_.CatchUp()) {
+      std::unique_ptr<dao::Recordset> rows;
+      try {
+        rows = OpenNow(source, type, alive);
+      } catch (const AutomationError&) {
+        if (in_transaction || storage_.IsAsLookedAt()) throw;
+      }
+      if (rows && (in_transaction || storage_.IsAsLookedAt())) return rows;
+    }
+    storage_.CatchUp();
+    const ReadTransaction reading(begin_reading_, end_reading_);
+    return OpenNow(source, type, std::move(alive));
+  }
+
+  Explanation Explain(const std::string& source) {
     const Catalogue& catalogue = Refresh();
-    const std::string sql = SelectText(source, catalogue);
+    std::string of_name;
+    const std::string& sql = SelectText(source, catalogue, of_name);
     sql::Shape shape = sql::ShapeOf(sql);
-    const bool as_snapshot = type == dao::RecordsetType::kSnapshot;
-    const auto prepare = [&] {
-      return PrepareQuery(sql::Parse(sql), Ground(catalogue, shape), as_snapshot);
-    };
-    Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
-    return OpenRows(storage_, std::move(lease), std::move(shape.literals), std::move(alive));
+    const sql::Statement statement = sql::Parse(sql);
+    if (IsDefinition(statement)) dao::Raise(DaoError::kInvalidStatement, "DAO.Database", sql);
+    const PreparationGround ground = Ground(catalogue, shape);
+    const Preparation preparation = std::holds_alternative<sql::Query>(statement)
+                                        ? PrepareQuery(statement, ground, /*as_snapshot=*/false)
+                                        : PrepareWrite(statement, ground, /*strict=*/false);
+    return ExplanationOf(preparation, ground, std::move(shape));
   }
 
  private:
@@ -116,31 +130,42 @@ class Executor::Impl {
     return {catalogue, storage_, plan_, shape.literals.size()};
   }
 
-  // The statement for the text, from the cache or newly prepared.
-  Lease Get(const sql::Shape& shape, const std::string& sql, Use use,
-            const std::function<Preparation()>& prepare) {
-    std::string key = shape.key;
-    key += static_cast<char>(use);
+  std::unique_ptr<dao::Recordset> OpenNow(const std::string& source, dao::RecordsetType type,
+                                          Liveness alive) {
+    const Catalogue& catalogue = Refresh();
+    std::string of_name;
+    const std::string& sql = SelectText(source, catalogue, of_name);
+    sql::Shape shape = sql::ShapeOf(sql);
+    const bool as_snapshot = type == dao::RecordsetType::kSnapshot;
+    const auto prepare = [&] {
+      return PrepareQuery(sql::Parse(sql), Ground(catalogue, shape), as_snapshot);
+    };
+    Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
+    return OpenRows(storage_, std::move(lease), std::move(shape.literals), std::move(alive));
+  }
+
+  // The statement for the text, from the cache or newly prepared. Its use completes the key of the
+  // shape.
+  template <class Prepare>
+  Lease Get(sql::Shape& shape, const std::string& sql, Use use, const Prepare& prepare) {
+    shape.key += static_cast<char>(use);
     bool by_text = false;
-    std::unique_ptr<Prepared> prepared = cache_->Take(key, by_text);
-    if (by_text) prepared = cache_->Take(key += sql, by_text);
+    std::unique_ptr<Prepared> prepared = cache_->Take(shape.key, by_text);
+    if (by_text) prepared = cache_->Take(shape.key + sql, by_text);
     if (prepared) return {std::move(prepared), cache_};
     Preparation made = prepare();
     if (made.prepared) {
-      if (made.by_text) {
-        cache_->MarkByText(shape.key + static_cast<char>(use));
-        key = shape.key + static_cast<char>(use) + sql;
-      }
-      made.prepared->key = std::move(key);
+      if (made.by_text) cache_->MarkByText(shape.key);
+      made.prepared->key = made.by_text ? shape.key + sql : shape.key;
       made.prepared->version = catalogue_.version();
     }
     return {std::move(made.prepared), cache_};
   }
 
   int32_t Write(Prepared& prepared, const std::vector<Variant>& literals) {
-    BindLiterals(prepared.main, literals);
+    prepared.main.BindAll(literals);
     if (prepared.stepwise) {
-      BindLiterals(prepared.stepwise->values, literals);
+      prepared.stepwise->values.BindAll(literals);
       return UpdateStepwise(storage_, prepared);
     }
     prepared.main.Step();
@@ -158,15 +183,25 @@ class Executor::Impl {
         statement);
   }
 
-  // A name alone stands for everything in the table or query.
-  static std::string SelectText(const std::string& source, const Catalogue& catalogue) {
+  static bool IsDefinition(const sql::Statement& statement) {
+    return std::visit(
+        [](const auto& any) {
+          return requires(CatalogueStore & store) { Define(any, store); };
+        },
+        statement);
+  }
+
+  // A name alone stands for everything in the table or query: that text is put into `of_name`.
+  static const std::string& SelectText(const std::string& source, const Catalogue& catalogue,
+                                       std::string& of_name) {
     std::string_view name = Trimmed(source);
     if (!IsName(name)) return source;
     if (name.front() == '[') name = name.substr(1, name.size() - 2);
     if (catalogue.FindTable(name) == nullptr && catalogue.FindQuery(name) == nullptr) {
       dao::Raise(DaoError::kUnknownTable, "DAO.Database", std::string(name));
     }
-    return "select * from [" + std::string(name) + "]";
+    of_name = "select * from [" + std::string(name) + "]";
+    return of_name;
   }
 
   Storage& storage_;
@@ -190,5 +225,7 @@ std::unique_ptr<dao::Recordset> Executor::Open(const std::string& source, dao::R
                                                Liveness alive) {
   return impl_->Open(source, type, std::move(alive));
 }
+
+Explanation Executor::Explain(const std::string& source) { return impl_->Explain(source); }
 
 }  // namespace ambrelio::embedded

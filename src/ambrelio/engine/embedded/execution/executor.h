@@ -7,6 +7,7 @@
 #include <string>
 
 #include "ambrelio/dao/database.h"
+#include "ambrelio/engine/embedded/execution/explanation.h"
 #include "ambrelio/engine/embedded/planner/planner.h"
 #include "ambrelio/engine/embedded/storage/catalogue_store.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
@@ -31,6 +32,11 @@ class Executor {
 
   std::unique_ptr<dao::Recordset> Open(const std::string& source, dao::RecordsetType type,
                                        Liveness alive);
+
+  // How Open (as it is asked unless for a snapshot) or Execute (without `fail_on_error`) would go
+  // about the statement, which is prepared and not carried out. Raises what preparing does, and
+  // 3129 for a data definition, of which there is no plan.
+  Explanation Explain(const std::string& source);
 
  private:
   class Impl;

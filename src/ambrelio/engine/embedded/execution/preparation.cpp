@@ -47,8 +47,6 @@ struct PrepareBound {
   }
 };
 
-// The storage engine limits how deep a text is nested and how many sources are joined, and a plan
-// can have more of both than the statement: what is refused then is prepared as it stands.
 template <class Prepare>
 Preparation WithPlanOrWithout(const PreparationGround& ground, const Prepare& prepare) {
   try {
@@ -57,7 +55,9 @@ Preparation WithPlanOrWithout(const PreparationGround& ground, const Prepare& pr
     if (error.number() != static_cast<int>(dao::DaoError::kReserved)) throw;
   }
   const PlanOptions none = PlanOptions::Without("all");
-  return prepare({ground.catalogue, ground.storage, none, ground.literal_count});
+  Preparation result = prepare({ground.catalogue, ground.storage, none, ground.literal_count});
+  result.plan_refused = true;
+  return result;
 }
 
 Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGround& ground,
@@ -72,7 +72,7 @@ Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGro
   result.by_text = bound.literals_matter;
   const bool is_dynaset = !as_snapshot && IsDynaset(query);
   const bool can_turn = CanTurnRound(query);
-  Plan(query, ground.plan);
+  result.rewrites = Plan(query, ground.plan);
   const int row_parameter = static_cast<int>(ground.literal_count) + 1;
   if (is_dynaset) {
     const DynasetSql sql = TranslateDynaset(query, row_parameter);
@@ -99,9 +99,9 @@ Preparation PrepareWriteOn(const sql::Statement& statement, const PreparationGro
     dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
   }
   BoundStatement bound = Bind(statement, ground.catalogue);
-  Plan(bound.statement, ground.plan);
   Preparation result;
   result.by_text = bound.literals_matter;
+  result.rewrites = Plan(bound.statement, ground.plan);
   result.prepared = std::visit(PrepareBound{ground, strict}, bound.statement);
   return result;
 }

@@ -16,6 +16,9 @@ struct Preparation {
   std::unique_ptr<Prepared> prepared;
   // Whether it serves only the very text, not all texts of its shape.
   bool by_text = false;
+  RewritesMade rewrites;
+  // Whether the storage engine refused the plan, see below.
+  bool plan_refused = false;
 };
 
 // What a statement is prepared on.
@@ -25,6 +28,9 @@ struct PreparationGround {
   const PlanOptions& plan;
   size_t literal_count;  // parameters that the literals take
 };
+
+// The storage engine limits how deep a text is nested and how many sources are joined, and a plan
+// can have more of both than the statement: what is refused then is prepared as it stands.
 
 // A select or union; 3219 for anything else. Unless `as_snapshot`, a select over one table becomes
 // a dynaset.

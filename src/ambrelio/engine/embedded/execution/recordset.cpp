@@ -67,6 +67,26 @@ class State {
   }
 
   const Columns& columns() const { return *columns_; }
+
+  // The place of a column; 3265 when there is none.
+  size_t Find(int index) const {
+    RequireOpen(kFields);
+    if (index < 0 || static_cast<size_t>(index) >= columns_->size()) {
+      dao::Raise(DaoError::kNotInCollection, kFields, std::to_string(index));
+    }
+    return static_cast<size_t>(index);
+  }
+  size_t Find(std::string_view name) const {
+    RequireOpen(kFields);
+    for (size_t i = 0; i < columns_->size(); ++i) {
+      if ((*columns_)[i].name == name) return i;
+    }
+    for (size_t i = 0; i < columns_->size(); ++i) {
+      if (SameName((*columns_)[i].name, name)) return i;
+    }
+    dao::Raise(DaoError::kNotInCollection, kFields, std::string(name));
+  }
+
   void Close() { rows_.reset(); }
 
  private:
@@ -129,23 +149,9 @@ class RecordsetFields : public dao::Collection<dao::Field> {
     return static_cast<int>(state_->columns().size());
   }
 
-  std::shared_ptr<dao::Field> Item(int index) const override {
-    if (index < 0 || index >= Count()) {
-      dao::Raise(DaoError::kNotInCollection, kFields, std::to_string(index));
-    }
-    return At(static_cast<size_t>(index));
-  }
-
+  std::shared_ptr<dao::Field> Item(int index) const override { return At(state_->Find(index)); }
   std::shared_ptr<dao::Field> Item(std::string_view name) const override {
-    state_->RequireOpen(kFields);
-    const Columns& columns = state_->columns();
-    for (size_t i = 0; i < columns.size(); ++i) {
-      if (columns[i].name == name) return At(i);
-    }
-    for (size_t i = 0; i < columns.size(); ++i) {
-      if (SameName(columns[i].name, name)) return At(i);
-    }
-    dao::Raise(DaoError::kNotInCollection, kFields, std::string(name));
+    return At(state_->Find(name));
   }
 
   void Append(const std::shared_ptr<dao::Field>& /*unused*/) override {
@@ -196,6 +202,9 @@ class EmbeddedRecordset : public dao::Recordset {
     Open();
     return fields_;
   }
+
+  Variant Value(std::string_view field) override { return Open().Value(state_->Find(field)); }
+  Variant Value(int field) override { return Open().Value(state_->Find(field)); }
 
   void Close() override {
     Open();

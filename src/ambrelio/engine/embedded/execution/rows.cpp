@@ -9,7 +9,7 @@ namespace ambrelio::embedded {
 
 Rows::Rows(Storage& storage, Lease lease, std::vector<Variant> literals)
     : storage_(storage), lease_(std::move(lease)), literals_(std::move(literals)) {
-  BindLiterals((*lease_)->main, literals_);
+  (*lease_)->main.BindAll(literals_);
 }
 
 bool Rows::Has(int64_t place) {
@@ -55,7 +55,7 @@ void Rows::ReadOn() noexcept {
 void Rows::ReadLast() {
   Prepared& prepared = **lease_;
   if (!prepared.last) prepared.last.emplace(storage_.raw(), prepared.last_sql);
-  BindLiterals(*prepared.last, literals_);
+  prepared.last->BindAll(literals_);
   if (prepared.last->Step()) {
     KeepLast(*prepared.last);
     last_kept_ = true;
@@ -133,8 +133,7 @@ class DynasetRows final : public Rows {
     StorageStatement& statement = *(*lease_)->row;
     statement.Bind((*lease_)->row_parameter, id);
     if (statement.Step()) current_.Append(statement);
-    // Lets go of the storage but keeps the bindings.
-    sqlite3_reset(statement.raw());
+    statement.Reset();
   }
 
   std::vector<int64_t> row_ids_;
@@ -149,7 +148,7 @@ std::shared_ptr<Rows> ReadSnapshot(Storage& storage, Lease lease, std::vector<Va
 }
 
 std::shared_ptr<Rows> ReadDynaset(Storage& storage, Lease lease, std::vector<Variant> literals) {
-  BindLiterals(*lease->row, literals);
+  lease->row->BindAll(literals);
   return std::make_shared<DynasetRows>(storage, std::move(lease), std::move(literals));
 }
 

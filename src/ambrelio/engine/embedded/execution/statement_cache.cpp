@@ -2,13 +2,6 @@
 
 namespace ambrelio::embedded {
 
-void BindLiterals(StorageStatement& statement, const std::vector<Variant>& literals) {
-  const int wanted = sqlite3_bind_parameter_count(statement.raw());
-  for (int i = 0; i < wanted && i < static_cast<int>(literals.size()); ++i) {
-    statement.Bind(i + 1, literals[static_cast<size_t>(i)]);
-  }
-}
-
 void StatementCache::KeepVersion(int64_t version) {
   if (version == version_) return;
   places_.clear();

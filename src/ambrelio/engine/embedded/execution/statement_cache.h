@@ -48,9 +48,6 @@ struct Prepared {
   int64_t version = 0;
 };
 
-// Binds the literals of a text to the parameters that the statement has for them.
-void BindLiterals(StorageStatement& statement, const std::vector<Variant>& literals);
-
 // Hands each statement to one user at a time. The least recently used go when there are too many;
 // all go when the catalogue changes.
 class StatementCache {

@@ -68,7 +68,7 @@ bool WriteTarget(Storage& storage, const StorageStatement& values, Prepared::Tar
   write.Bind(parameter + 1, row_id);
   write.Step();
   const bool written = storage.Changes() > 0;
-  sqlite3_reset(write.raw());
+  write.Reset();
   return written;
 }
 
@@ -85,7 +85,7 @@ int32_t WriteRows(Storage& storage, Prepared& prepared, const RowIds& ids) {
       const auto& id = ids[row + target.source];
       if (id && WriteTarget(storage, step.values, target, *id)) written = true;
     }
-    sqlite3_reset(step.values.raw());  // keeps the bindings
+    step.values.Reset();
     if (written) ++written_rows;
   }
   return written_rows;

@@ -31,11 +31,13 @@ Filters With(Filters filters, const bound::ExprPtr& condition) {
   return filters;
 }
 
-void Visit(Source& source, const Filters& filters) {
-  if (source.kind != Source::Kind::kJoin) return;
+int Visit(Source& source, const Filters& filters) {
+  if (source.kind != Source::Kind::kJoin) return 0;
+  int made = 0;
   const Source& optional = source.join == JoinKind::kRight ? *source.left : *source.right;
   if (source.join != JoinKind::kInner && RefusesMissing(filters, optional)) {
     source.join = JoinKind::kInner;
+    made = 1;
   }
   // The join's own condition decides which rows of its optional side are met at all, and of both
   // sides when it is an inner one; what is outside decides about the sides that are always there.
@@ -45,15 +47,18 @@ void Visit(Source& source, const Filters& filters) {
     if (source.join == JoinKind::kInner) return all;
     return source.join == optional_in ? met : filters;
   };
-  Visit(*source.left, filters_of(JoinKind::kRight));
-  Visit(*source.right, filters_of(JoinKind::kLeft));
+  made += Visit(*source.left, filters_of(JoinKind::kRight));
+  made += Visit(*source.right, filters_of(JoinKind::kLeft));
+  return made;
 }
 
 }  // namespace
 
-void MakeJoinsInner(std::vector<Source>& from, const bound::ExprPtr& where) {
+int MakeJoinsInner(std::vector<Source>& from, const bound::ExprPtr& where) {
   const Filters filters = With({}, where);
-  for (Source& source : from) Visit(source, filters);
+  int made = 0;
+  for (Source& source : from) made += Visit(source, filters);
+  return made;
 }
 
 }  // namespace ambrelio::embedded::planner

@@ -44,8 +44,9 @@ class Merger {
  public:
   Merger(Query& query, int& next_source) : query_(query), next_source_(next_source) {}
 
-  void Run() {
+  int Run() {
     for (Source& source : query_.select->from) Visit(source, nullptr);
+    return merged_;
   }
 
  private:
@@ -60,6 +61,7 @@ class Merger {
     const Select& select = *source.query->select;
     const bool plain = ArePlain(select.items) && ArePlain(select.keys);
     if (optional != nullptr && !plain) return;
+    ++merged_;
     Merge(source, optional == nullptr ? query_.select->where : *optional);
     Visit(source, optional);
   }
@@ -80,10 +82,11 @@ class Merger {
 
   Query& query_;
   int& next_source_;
+  int merged_ = 0;
 };
 
 }  // namespace
 
-void MergeQueries(Query& query, int& next_source) { Merger(query, next_source).Run(); }
+int MergeQueries(Query& query, int& next_source) { return Merger(query, next_source).Run(); }
 
 }  // namespace ambrelio::embedded::planner

@@ -40,21 +40,32 @@ class Planner {
 
   void Run(Query& query, int splits) {
     if (query.select) {
-      if (options_.inner_joins) planner::MakeJoinsInner(query.select->from, query.select->where);
-      if (options_.merged_queries) planner::MergeQueries(query, next_source_);
+      MakeJoinsInner(query.select->from, query.select->where);
+      if (options_.merged_queries) {
+        made_.merged_queries += planner::MergeQueries(query, next_source_);
+      }
       // What has come up may decide about more joins.
-      if (options_.inner_joins) planner::MakeJoinsInner(query.select->from, query.select->where);
+      MakeJoinsInner(query.select->from, query.select->where);
+      if (options_.shorter_keys) made_.shorter_keys += planner::ShortenKeys(query);
       while (options_.split_joins && splits > 0 && planner::SplitJoin(query, next_source_)) {
         --splits;
+        ++made_.split_joins;
       }
       planner::DropConstantKeys(query);
     }
     planner::ForEachQueryBelow(query, [&](Query& below) { Run(below, splits); });
   }
 
+  void MakeJoinsInner(std::vector<Source>& from, const ExprPtr& where) {
+    if (options_.inner_joins) made_.inner_joins += planner::MakeJoinsInner(from, where);
+  }
+
+  const RewritesMade& made() const { return made_; }
+
  private:
   const PlanOptions& options_;
   int next_source_;
+  RewritesMade made_;
 };
 
 // The queries that stand in what a statement computes, beside those of its sources.
@@ -95,14 +106,16 @@ Walked WalkedBy(bound::Statement& statement) {
 
 }  // namespace
 
-void Plan(Query& query, const PlanOptions& options) {
-  Planner(options, LastSource(query) + 1).Run(query, kMostSplits);
+RewritesMade Plan(Query& query, const PlanOptions& options) {
+  Planner planner(options, LastSource(query) + 1);
+  planner.Run(query, kMostSplits);
+  return planner.made();
 }
 
-void Plan(bound::Statement& statement, const PlanOptions& options) {
+RewritesMade Plan(bound::Statement& statement, const PlanOptions& options) {
   int last = 0;
-  if (const Walked walked = WalkedBy(statement); walked.from != nullptr) {
-    if (options.inner_joins) planner::MakeJoinsInner(*walked.from, *walked.where);
+  const Walked walked = WalkedBy(statement);
+  if (walked.from != nullptr) {
     for (const Source& source : *walked.from) {
       bound::ForEachLeaf(source, [&](const Source& leaf) { last = std::max(last, leaf.id); });
     }
@@ -110,8 +123,10 @@ void Plan(bound::Statement& statement, const PlanOptions& options) {
   const VisitQuery look = [&](Query& query) { last = std::max(last, LastSource(query)); };
   std::visit(ForEachQuery{look}, statement);
   Planner planner(options, last + 1);
+  if (walked.from != nullptr) planner.MakeJoinsInner(*walked.from, *walked.where);
   const VisitQuery plan = [&](Query& query) { planner.Run(query, kMostSplits); };
   std::visit(ForEachQuery{plan}, statement);
+  return planner.made();
 }
 
 PlanOptions PlanOptions::Without(std::string_view names) {
@@ -125,9 +140,10 @@ PlanOptions PlanOptions::Without(std::string_view names) {
     }
     return false;
   };
-  options.inner_joins = !named("inner_joins");
-  options.merged_queries = !named("merged_queries");
-  options.split_joins = !named("split_joins");
+  options.inner_joins = !named(kInnerJoins);
+  options.merged_queries = !named(kMergedQueries);
+  options.split_joins = !named(kSplitJoins);
+  options.shorter_keys = !named(kShorterKeys);
   return options;
 }
 

@@ -11,6 +11,12 @@
 
 namespace ambrelio::embedded {
 
+// The rewrites, by the names under which they are turned off and told of.
+inline constexpr std::string_view kInnerJoins = "inner_joins";
+inline constexpr std::string_view kMergedQueries = "merged_queries";
+inline constexpr std::string_view kSplitJoins = "split_joins";
+inline constexpr std::string_view kShorterKeys = "shorter_keys";
+
 // Which rewrites are made; all, unless somebody looks for a fault.
 struct PlanOptions {
   // Outer joins whose missing side the conditions cannot accept become inner joins.
@@ -20,6 +26,8 @@ struct PlanOptions {
   // A left join whose right side stands under null-tests becomes two branches: rows with a partner,
   // and rows without.
   bool split_joins = true;
+  // `first` and `last` compare only the keys that can decide.
+  bool shorter_keys = true;
 
   // From a list of names as "inner_joins,split_joins": the rewrites that are not made; "all" turns
   // off each. Names that are none are passed over.
@@ -28,9 +36,19 @@ struct PlanOptions {
   static PlanOptions FromEnvironment();
 };
 
+// How often each rewrite was made: joins that became inner ones, queries that were merged, joins
+// that were split, calls of `first` and `last` that compare fewer keys. What stands in both branches
+// of a split join counts in each.
+struct RewritesMade {
+  int inner_joins = 0;
+  int merged_queries = 0;
+  int split_joins = 0;
+  int shorter_keys = 0;
+};
+
 // Plans the query with all queries below it.
-void Plan(bound::Query& query, const PlanOptions& options);
+RewritesMade Plan(bound::Query& query, const PlanOptions& options);
 // The same for what a statement reads; what it writes, and in which order, stays.
-void Plan(bound::Statement& statement, const PlanOptions& options);
+RewritesMade Plan(bound::Statement& statement, const PlanOptions& options);
 
 }  // namespace ambrelio::embedded

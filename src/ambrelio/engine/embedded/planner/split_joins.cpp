@@ -126,42 +126,79 @@ std::unique_ptr<Query> WithoutPartner(const Query& query) {
   return branch;
 }
 
-bool SameColumn(const ColumnRef& a, const ColumnRef& b) {
-  return a.source == b.source && a.part == b.part && a.index == b.index;
-}
-
-// The columns of a select's sources that are named in what it delivers.
+// What the rows of a select's sources deliver to the select itself: the columns that it names, and
+// what a grouped select computes of each row, which is computed where the row is found then. In a
+// branch it can become less, and fewer columns go through the grouping.
 class Outlet {
  public:
-  explicit Outlet(const Select& select) {
+  // The columns come from source `id`.
+  Outlet(Select& select, int id) : id_(id) {
     for (const Source& source : select.from) {
       bound::ForEachLeaf(source, [&](const Source& leaf) { sources_.push_back(leaf.id); });
     }
+    for (ExprPtr& group : select.group_by) DeliverComputed(group);
   }
 
-  // Makes the expression read the columns from output columns of source `id`.
-  void Redirect(ExprPtr& expr, int id) {
-    RewriteAll(expr, [&](ExprPtr& part) {
-      if (part->kind != ExprKind::kColumn) return;
-      if (std::find(sources_.begin(), sources_.end(), part->column.source) == sources_.end()) {
-        return;
-      }
-      const auto found = std::find_if(columns_.begin(), columns_.end(), [&](const ExprPtr& column) {
-        return SameColumn(column->column, part->column);
-      });
-      ColumnRef ref;
-      ref.source = id;
-      ref.part = ColumnPart::kOutput;
-      ref.index = static_cast<int>(found - columns_.begin());
-      const ValueType type = part->type;
-      if (found == columns_.end()) columns_.push_back(std::move(part));
-      part = bound::MakeColumn(ref, type);
-    });
+  // Makes the expression read what is delivered.
+  void Redirect(ExprPtr& expr) {
+    const bool in_group = expr->kind == ExprKind::kAggregate;
+    if (!in_group && Find(*expr) != columns_.end()) return Deliver(expr);
+    if (expr->query) return RewriteAll(expr, [&](ExprPtr& part) { DeliverColumn(part); });
+    DeliverColumn(expr);
+    for (ExprPtr& arg : expr->args) {
+      if (in_group) DeliverComputed(arg);
+      Redirect(arg);
+    }
   }
 
   const std::vector<ExprPtr>& columns() const { return columns_; }
 
  private:
+  bool IsOurs(const Expr& expr) const {
+    return expr.kind == ExprKind::kColumn &&
+           std::find(sources_.begin(), sources_.end(), expr.column.source) != sources_.end();
+  }
+
+  // What needs a row, and nothing but the row.
+  bool IsOfOneRow(const Expr& expr) const {
+    bool reads_row = false;
+    bool reads_more = false;
+    bound::ForEachExpr(expr, [&](const Expr& part) {
+      const bool ours = IsOurs(part);
+      reads_row = reads_row || ours;
+      reads_more = reads_more || part.query || part.kind == ExprKind::kAggregate ||
+                   (part.kind == ExprKind::kColumn && !ours);
+    });
+    return reads_row && !reads_more;
+  }
+
+  void DeliverColumn(ExprPtr& expr) {
+    if (IsOurs(*expr)) Deliver(expr);
+  }
+  void DeliverComputed(ExprPtr& expr) {
+    if (IsOfOneRow(*expr)) Deliver(expr);
+  }
+
+  void Deliver(ExprPtr& expr) {
+    const auto found = Find(*expr);
+    ColumnRef ref;
+    ref.source = id_;
+    ref.part = ColumnPart::kOutput;
+    ref.index = static_cast<int>(found - columns_.begin());
+    const ValueType type = expr->type;
+    if (found == columns_.end()) columns_.push_back(std::move(expr));
+    expr = bound::MakeColumn(ref, type);
+  }
+
+  // Two parameters can be the same today and differ with the next text of the shape.
+  std::vector<ExprPtr>::iterator Find(const Expr& expr) {
+    return std::find_if(columns_.begin(), columns_.end(), [&](const ExprPtr& column) {
+      bool literals_compared = false;
+      return bound::SameExpr(*column, expr, literals_compared) && !literals_compared;
+    });
+  }
+
+  int id_;
   std::vector<int> sources_;
   std::vector<ExprPtr> columns_;
 };
@@ -186,8 +223,8 @@ Query RowsOf(Query& query, const std::vector<ExprPtr>& columns) {
 // The query over a union of the two branches, in a source of the next number.
 void ReadFromBranches(Query& query, int& next_source) {
   const int id = next_source++;
-  Outlet outlet(*query.select);
-  ForEachDelivered(query, [&](ExprPtr& expr) { outlet.Redirect(expr, id); });
+  Outlet outlet(*query.select, id);
+  ForEachDelivered(query, [&](ExprPtr& expr) { outlet.Redirect(expr); });
   const Query rows = RowsOf(query, outlet.columns());
   auto both = std::make_unique<Query>();
   both->left = WithPartner(rows);

@@ -10,7 +10,7 @@
 
 namespace ambrelio::embedded::sql {
 
-inline char FoldAscii(char c) {
+constexpr char FoldAscii(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 

@@ -23,7 +23,8 @@ std::string_view Mark(const Variant& literal) {
 void AppendFolded(std::string_view text, std::string& key) {
   const size_t begin = key.size();
   key += text;
-  for (size_t i = begin; i < key.size(); ++i) key[i] = FoldAscii(key[i]);
+  char* const folded = key.data() + begin;
+  for (size_t i = 0; i < text.size(); ++i) folded[i] = FoldAscii(folded[i]);
 }
 
 }  // namespace

@@ -14,10 +14,12 @@ using dao::DaoError;
 
 constexpr int kLockWaitMilliseconds = 2000;
 // A committed statement survives the process and the power; nothing in a file that somebody
-// tampered with may run code.
+// tampered with may run code. The last connection that closes moves the log into the file; within a
+// call only one of 64 MB is moved, which most of a season makes when nobody ever closes.
 constexpr const char* kSettings =
     "pragma foreign_keys = off; pragma trusted_schema = off; pragma cell_size_check = on;"
-    "pragma synchronous = full; pragma temp_store = memory; pragma cache_size = -16384;";
+    "pragma synchronous = full; pragma wal_autocheckpoint = 16384;"
+    "pragma temp_store = memory; pragma cache_size = -16384;";
 // SQLITE_BloomFilter and SQLITE_SimplifyJoin among the optimizations of SQLite, which its header
 // does not publish.
 constexpr int kBloomFilter = 0x00080000;
@@ -51,8 +53,9 @@ std::string Quoted(std::string_view text, char quote) {
 
 }  // namespace
 
+// Without mutexes: an engine belongs to one thread.
 Storage::Storage(const std::string& path, int flags) : path_(path) {
-  const int code = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
+  const int code = sqlite3_open_v2(path.c_str(), &db_, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   if (code == SQLITE_OK) return;
   const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(db_, sqlite3_close_v2);
   RaiseOpenError(db_, code, path);
@@ -61,6 +64,7 @@ Storage::Storage(const std::string& path, int flags) : path_(path) {
 Storage::~Storage() {
   reads_.Abandon();
   data_version_query_.reset();
+  kept_.clear();
   // Whoever still holds a statement keeps the connection alive, but it shall hold no lock.
   for (sqlite3_stmt* rest = sqlite3_next_stmt(db_, nullptr); rest != nullptr;
        rest = sqlite3_next_stmt(db_, rest)) {
@@ -110,7 +114,7 @@ void Storage::Configure(Access access) {
                sqlite3_db_readonly(db_, "main") == 1;
   alone_ = access == Access::kExclusive || access == Access::kExclusiveReadOnly;
   StorageStatement journal(db_, "pragma journal_mode");
-  has_log_ = journal.Step() && journal.Text(0) == "wal";
+  if (journal.Step() && journal.Text(0) == "wal") log_.emplace(db_);
 }
 
 std::unique_ptr<Storage> Storage::Open(const std::string& path, Access access) {
@@ -158,6 +162,15 @@ void Storage::Run(const std::string& sql) {
   }
 }
 
+void Storage::RunKept(const std::string& sql) {
+  const auto place = kept_.find(sql);
+  StorageStatement& statement = place != kept_.end()
+                                    ? place->second
+                                    : kept_.emplace(sql, StorageStatement(db_, sql)).first->second;
+  statement.Step();
+  statement.Reset();
+}
+
 int64_t Storage::Changes() const { return sqlite3_changes64(db_); }
 
 bool Storage::transaction_lost() const { return level_ > 0 && sqlite3_get_autocommit(db_) != 0; }
@@ -168,9 +181,9 @@ void Storage::Begin() {
   SettleReads();
   if (!transaction_lost()) {
     if (level_ > 0) {
-      Run("savepoint " + Savepoint(level_ + 1));
+      RunKept("savepoint " + Savepoint(level_ + 1));
     } else {
-      Run(read_only_ ? "begin" : "begin immediate");
+      RunKept(read_only_ ? "begin" : "begin immediate");
     }
   }
   ++level_;
@@ -182,12 +195,16 @@ void Storage::Commit() {
   SettleReads();
   if (level_ == 0 || transaction_lost()) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
   if (level_ > 1) {
-    Run("release " + Savepoint(level_));
+    RunKept("release " + Savepoint(level_));
   } else {
     committing_ = true;
-    const int code = sqlite3_exec(db_, "commit", nullptr, nullptr, nullptr);
+    try {
+      RunKept("commit");
+    } catch (...) {
+      committing_ = false;
+      throw;
+    }
     committing_ = false;
-    if (code != SQLITE_OK) RaiseStorageError(db_, sqlite3_extended_errcode(db_));
   }
   --level_;
   if (wait_at_end_) WaitForAll();
@@ -198,8 +215,12 @@ void Storage::Rollback() {
   SettleReads();
   if (level_ == 0) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
   if (!transaction_lost()) {
-    const std::string savepoint = Savepoint(level_);
-    Run(level_ > 1 ? "rollback to " + savepoint + "; release " + savepoint : "rollback");
+    if (level_ > 1) {
+      RunKept("rollback to " + Savepoint(level_));
+      RunKept("release " + Savepoint(level_));
+    } else {
+      RunKept("rollback");
+    }
   }
   ++rollbacks_;  // also of a savepoint, of which no hook tells
   --level_;
@@ -207,7 +228,7 @@ void Storage::Rollback() {
 }
 
 void Storage::PutOffWaiting() {
-  if (waiting_put_off_ || level_ > 0 || !has_log_ || read_only_) return;
+  if (waiting_put_off_ || level_ > 0 || !log_ || read_only_) return;
   Run("pragma synchronous = normal");
   waiting_put_off_ = true;
 }
@@ -233,9 +254,9 @@ void Storage::RollbackAll() {
   level_ = 0;
 }
 
-std::optional<LogState> Storage::SharedState() const {
+std::optional<LogState> Storage::SharedState() {
   if (alone_) return LogState{};
-  return has_log_ ? ReadLogState(db_) : std::nullopt;
+  return log_ ? log_->Read() : std::nullopt;
 }
 
 void Storage::Register(const std::shared_ptr<OpenRead>& read) {
@@ -243,26 +264,42 @@ void Storage::Register(const std::shared_ptr<OpenRead>& read) {
   if (!SharedState()) SettleReads();
 }
 
-void Storage::CatchUp() noexcept {
-  // A transaction sees one moment from its beginning to its end.
-  if (sqlite3_get_autocommit(db_) == 0) return;
+bool Storage::CatchUp() noexcept {
   const std::optional<LogState> now = SharedState();
-  const bool reading = sqlite3_txn_state(db_, "main") != SQLITE_TXN_NONE;
-  if (reading && now != read_state_) SettleReads();
-  // Taken before the next reading begins: what that sees is this or newer.
-  if (now) read_state_ = *now;
+  // A transaction sees one moment from its beginning to its end.
+  if (sqlite3_get_autocommit(db_) != 0) {
+    const bool reading = sqlite3_txn_state(db_, "main") != SQLITE_TXN_NONE;
+    if (reading && now != read_state_) SettleReads();
+    // Taken before the next reading begins: what that sees is this or newer.
+    if (now) read_state_ = *now;
+  }
+  return now && now == looked_at_;
+}
+
+bool Storage::IsAsLookedAt() {
+  const std::optional<LogState> now = SharedState();
+  return now && now == looked_at_;
 }
 
 bool Storage::ChangedByOthers() {
-  CatchUp();
+  // A transaction that only reads begins with its first question to the file: with this one.
+  const bool only_reads = level_ > 0 && read_only_;
+  if (CatchUp() && !only_reads) return false;
   if (!data_version_query_) {
     data_version_query_ = std::make_unique<StorageStatement>(db_, "pragma data_version");
   }
+  const std::optional<LogState> now = SharedState();
   data_version_query_->Step();
   const int64_t version = data_version_query_->Integer(0);
   data_version_query_->Reset();
   const bool changed = version != data_version_;
   data_version_ = version;
+  if (!now || only_reads) {
+    looked_at_.reset();
+  } else {
+    // A transaction that writes keeps all others from committing.
+    looked_at_ = level_ > 0 ? *now : read_state_;
+  }
   return changed;
 }
 

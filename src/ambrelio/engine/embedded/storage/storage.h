@@ -6,10 +6,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ambrelio/engine/embedded/storage/log_state.h"
 #include "ambrelio/engine/embedded/storage/open_reads.h"
@@ -28,9 +30,13 @@ class StorageStatement {
   // Parameters from 1. Booleans bind as 0 and -1, dates as days.
   void Bind(int parameter, const Variant& value);
   void Bind(int parameter, int64_t value);
+  // Binds to parameter 1, 2, ... what of it the statement has parameters for. What BindAll has
+  // bound before is left alone: SQLite prepares a statement anew when a value is bound on which the
+  // choice of an index with a condition depended.
+  void BindAll(const std::vector<Variant>& values);
   // True while there is a row.
   bool Step();
-  void Reset();  // also forgets the bindings
+  void Reset();  // keeps the bindings
   int ColumnCount() const;
   bool IsNull(int column) const;
   int64_t Integer(int column) const;
@@ -41,6 +47,7 @@ class StorageStatement {
  private:
   sqlite3* db_ = nullptr;
   sqlite3_stmt* statement_ = nullptr;
+  std::vector<Variant> bound_;  // by BindAll
 };
 
 class Storage {
@@ -100,7 +107,10 @@ class Storage {
   void SettleReads() noexcept { reads_.Settle(); }
   // For whoever is to see the file as it is now: outside of transactions, an open read would keep
   // the connection at an older moment. Settles the reads if anybody has committed since theirs.
-  void CatchUp() noexcept;
+  // Tells whether nobody has committed since ChangedByOthers last looked.
+  bool CatchUp() noexcept;
+  // The same, of an open read's moment of the file too: nothing is settled.
+  bool IsAsLookedAt();
 
   // Whether another connection has committed anything since the last call.
   bool ChangedByOthers();
@@ -111,8 +121,10 @@ class Storage {
  private:
   Storage(const std::string& path, int flags);
   void Configure(Access access);
+  // The same as Run for what is run again and again: prepared once.
+  void RunKept(const std::string& sql);
   // Nothing where commits of others cannot be noticed while a read is open.
-  std::optional<LogState> SharedState() const;
+  std::optional<LogState> SharedState();
 
   sqlite3* db_ = nullptr;
   std::string path_;
@@ -122,14 +134,17 @@ class Storage {
   int64_t rollbacks_ = 0;
   int64_t data_version_ = -1;
   std::unique_ptr<StorageStatement> data_version_query_;
+  std::map<std::string, StorageStatement> kept_;
   OpenReads reads_;
-  bool has_log_ = false;
-  bool alone_ = false;  // nobody else can write
+  std::optional<LogWatch> log_;  // of a file that has one
+  bool alone_ = false;           // nobody else can write
   bool waiting_put_off_ = false;
   bool unwaited_ = false;     // something was committed since
   bool wait_at_end_ = false;  // of the transaction that is open
   // No newer than what the open reads outside of transactions see.
   LogState read_state_ = {};
+  // At the last look of ChangedByOthers, which saw this or newer; nothing when it is not known.
+  std::optional<LogState> looked_at_;
 };
 
 // The rules of a column stand in its storage table as named checks, `<rule>:<field>`; a broken one

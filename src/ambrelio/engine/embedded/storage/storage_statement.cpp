@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <new>
 #include <utility>
@@ -79,17 +80,20 @@ void RaiseStorageError(sqlite3* db, int code) {
 }
 
 StorageStatement::StorageStatement(sqlite3* db, const std::string& sql) : db_(db) {
-  const int code =
-      sqlite3_prepare_v2(db, sql.c_str(), static_cast<int>(sql.size()) + 1, &statement_, nullptr);
+  const int code = sqlite3_prepare_v3(db, sql.c_str(), static_cast<int>(sql.size()) + 1,
+                                      SQLITE_PREPARE_PERSISTENT, &statement_, nullptr);
   if (code != SQLITE_OK) RaiseStorageError(db, code);
 }
 
 StorageStatement::StorageStatement(StorageStatement&& other) noexcept
-    : db_(other.db_), statement_(std::exchange(other.statement_, nullptr)) {}
+    : db_(other.db_),
+      statement_(std::exchange(other.statement_, nullptr)),
+      bound_(std::move(other.bound_)) {}
 
 StorageStatement& StorageStatement::operator=(StorageStatement&& other) noexcept {
   std::swap(db_, other.db_);
   std::swap(statement_, other.statement_);
+  std::swap(bound_, other.bound_);
   return *this;
 }
 
@@ -142,6 +146,18 @@ void StorageStatement::Bind(int parameter, int64_t value) {
   if (code != SQLITE_OK) RaiseStorageError(db_, code);
 }
 
+void StorageStatement::BindAll(const std::vector<Variant>& values) {
+  const auto wanted = static_cast<size_t>(sqlite3_bind_parameter_count(statement_));
+  const size_t count = std::min(wanted, values.size());
+  bound_.resize(std::max(bound_.size(), count));
+  for (size_t i = 0; i < count; ++i) {
+    if (bound_[i] == values[i]) continue;
+    bound_[i] = Variant();  // which no literal is, should the binding fail
+    Bind(static_cast<int>(i) + 1, values[i]);
+    bound_[i] = values[i];
+  }
+}
+
 bool StorageStatement::Step() {
   const int code = sqlite3_step(statement_);
   if (code == SQLITE_ROW) return true;
@@ -150,10 +166,7 @@ bool StorageStatement::Step() {
   RaiseStorageError(db_, code);
 }
 
-void StorageStatement::Reset() {
-  sqlite3_reset(statement_);
-  sqlite3_clear_bindings(statement_);
-}
+void StorageStatement::Reset() { sqlite3_reset(statement_); }
 
 int StorageStatement::ColumnCount() const { return sqlite3_column_count(statement_); }
 

@@ -129,7 +129,9 @@ std::string SqlWriter::Column(const bound::ColumnRef& column) {
 }
 
 std::string SqlWriter::Value(const Expr& expr) {
-  if (IsPredicate(expr)) return "(-" + Predicate(expr) + ")";
+  // Not `-x`, which the storage engine takes for the place of a column in an order or a grouping
+  // where it finds out that x is 0 or 1.
+  if (IsPredicate(expr)) return "(0 - " + Predicate(expr) + ")";
   switch (expr.kind) {
     case ExprKind::kLiteral:
       return expr.slot >= 0 ? "?" + std::to_string(expr.slot + 1) : LiteralText(expr.literal);

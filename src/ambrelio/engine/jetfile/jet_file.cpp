@@ -1,0 +1,67 @@
+#include "ambrelio/engine/jetfile/jet_file.h"
+
+#include <fstream>
+
+#include "ambrelio/engine/jetfile/damage.h"
+#include "ambrelio/engine/jetfile/open_file.h"
+#include "ambrelio/engine/jetfile/text.h"
+#include "ambrelio/platform/file_path.h"
+#include "ambrelio/platform/text_encoding.h"
+
+namespace ambrelio::jetfile {
+namespace {
+
+constexpr size_t kFirstBytes = 0x18;
+
+// The first bytes of a file, fewer when it has no more.
+Bytes FirstBytes(const std::string& path) {
+  Bytes bytes(kFirstBytes);
+  std::ifstream file = OpenFile(path);
+  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<size_t>(file.gcount()));
+  return bytes;
+}
+
+}  // namespace
+
+JetFile JetFile::Open(const std::string& path, std::string_view password) {
+  const Bytes first = FirstBytes(path);
+  const size_t page_size = RecogniseFormat({first, {}}).page_size;
+  auto pages = std::make_unique<DiskPages>(path, page_size);
+  const size_t torn = static_cast<size_t>(std::filesystem::file_size(FilePath(path)) % page_size);
+  return {std::move(pages), torn, password};
+}
+
+JetFile JetFile::FromBytes(std::span<const uint8_t> file, std::string_view password) {
+  const size_t page_size = RecogniseFormat({file, {}}).page_size;
+  return {std::make_unique<MemoryPages>(file, page_size), file.size() % page_size, password};
+}
+
+JetFile::JetFile(std::unique_ptr<PageFile> pages, size_t torn_bytes, std::string_view password)
+    : pages_(std::move(pages)), torn_bytes_(torn_bytes) {
+  const Page first = pages_->Read(0);
+  header_ = ParseHeader(ViewOf(first, 0));
+  CheckPassword(header_, password);
+  if (header_.key != 0) {
+    pages_ = std::make_unique<DecipheredPages>(std::move(pages_), header_.key);
+  }
+  const Page objects = pages_->Read(kObjectsPage);
+  if (ViewOf(objects, kObjectsPage).U16(0) == static_cast<uint16_t>(PageType::kDefinition)) return;
+  if (header_.key != 0) {
+    Refuse(dao::DaoError::kUnrecognisedFormat,
+           "Unrecognised database format: the file is encrypted in a way that is not known here.");
+  }
+  throw Damage({kObjectsPage, 0}, "the definition of MSysObjects is expected here");
+}
+
+std::string JetFile::PlainText(ByteView bytes) const {
+  return format().jet4 ? WideText(bytes) : Windows1252ToUtf8(bytes.Text());
+}
+
+Bytes JetFile::PlainBytes(std::string_view text) const {
+  if (format().jet4) return WideBytes(text);
+  const std::string bytes = Utf8ToWindows1252(text);
+  return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace ambrelio::jetfile

@@ -1,0 +1,78 @@
+// A file as a row of pages. Whoever reads structures knows nothing of files, keys or caches; what
+// writes, locks or rolls back later stands behind the same interface.
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "ambrelio/engine/jetfile/bytes.h"
+
+namespace ambrelio::jetfile {
+
+// A page's bytes, which stay as they are while someone holds them.
+using Page = std::shared_ptr<const Bytes>;
+
+inline ByteView ViewOf(const Page& page, uint32_t number) { return {*page, {number, 0}}; }
+
+class PageFile {
+ public:
+  virtual ~PageFile() = default;
+
+  virtual size_t page_size() const = 0;
+  // Whole pages; a piece of one at the end does not count.
+  virtual uint32_t page_count() const = 0;
+  // Raises Damage for a page that the file does not have, 3043 when it cannot be read.
+  virtual Page Read(uint32_t number) const = 0;
+};
+
+// A file on disk, read page by page.
+class DiskPages : public PageFile {
+ public:
+  // Raises 3024 when there is no such file, 3051 when it may not be read.
+  DiskPages(const std::string& path, size_t page_size);
+
+  size_t page_size() const override { return page_size_; }
+  uint32_t page_count() const override { return page_count_; }
+  Page Read(uint32_t number) const override;
+
+ private:
+  std::string path_;
+  size_t page_size_;
+  uint32_t page_count_ = 0;
+  mutable std::ifstream file_;
+};
+
+// A file held in memory.
+class MemoryPages : public PageFile {
+ public:
+  MemoryPages(std::span<const uint8_t> file, size_t page_size);
+
+  size_t page_size() const override { return page_size_; }
+  uint32_t page_count() const override { return static_cast<uint32_t>(pages_.size()); }
+  Page Read(uint32_t number) const override;
+  // `bytes` is a whole page. A number of page_count() appends it.
+  void Write(uint32_t number, Bytes bytes);
+
+ private:
+  size_t page_size_;
+  std::vector<Page> pages_;
+};
+
+// An encrypted file in clear: every page but page 0 is enciphered as a whole.
+class DecipheredPages : public PageFile {
+ public:
+  DecipheredPages(std::unique_ptr<PageFile> pages, uint32_t key)
+      : pages_(std::move(pages)), key_(key) {}
+
+  size_t page_size() const override { return pages_->page_size(); }
+  uint32_t page_count() const override { return pages_->page_count(); }
+  Page Read(uint32_t number) const override;
+
+ private:
+  std::unique_ptr<PageFile> pages_;
+  uint32_t key_;
+};
+
+}  // namespace ambrelio::jetfile

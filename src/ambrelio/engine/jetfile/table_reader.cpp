@@ -1,0 +1,68 @@
+#include "ambrelio/engine/jetfile/table_reader.h"
+
+#include "ambrelio/engine/jetfile/damage.h"
+#include "ambrelio/engine/jetfile/long_value.h"
+#include "ambrelio/engine/jetfile/usage_map.h"
+#include "ambrelio/engine/jetfile/values.h"
+
+namespace ambrelio::jetfile {
+TableReader::TableReader(const JetFile& file, const TableDefinition& definition)
+    : file_(file),
+      definition_(definition),
+      pages_(ReadUsageMap(file, definition.owned_map).pages) {}
+
+bool TableReader::Next() {
+  row_.reset();
+  for (;;) {
+    if (page_ && next_slot_ < page_->slots().size()) {
+      const Slot& slot = page_->slots()[next_slot_];
+      identity_ = {page_->number(), static_cast<uint8_t>(next_slot_++)};
+      if (slot.pointed_to) continue;
+      TakeRow(slot);
+      return true;
+    }
+    page_.reset();
+    if (next_page_ == pages_.size()) return false;
+    next_slot_ = 0;
+    const uint32_t page = pages_[next_page_++];
+    page_ = ReadTablePage(file_, definition_, page);
+  }
+}
+
+void TableReader::TakeRow(const Slot& slot) {
+  body_ = identity_;
+  body_page_ = page_;
+  if (slot.moved) {
+    body_ = ReadRowPointer(page_->Row(identity_.row), 0);
+    body_page_ = ReadTablePage(file_, definition_, body_.page);
+    const Slot& target = body_page_->SlotAt(body_.row);
+    if (!target.pointed_to || target.deleted()) {
+      throw Damage(page_->PlaceOfSlot(identity_.row), "the row moved to where it is not");
+    }
+  }
+  row_.emplace(body_page_->Row(body_.row), definition_, file_.format().jet4);
+}
+
+Variant TableReader::Value(const ColumnDefinition& column) const {
+  return ReadValue(file_, *row_, column);
+}
+
+DataPage ReadTablePage(const JetFile& file, const TableDefinition& definition, uint32_t page) {
+  DataPage data(file.Read(page), page, file.format());
+  if (data.owner() != definition.page()) {
+    throw Damage({page, 4}, "a page of the table defined on page " +
+                                std::to_string(definition.page()) + " is expected here");
+  }
+  return data;
+}
+
+Variant ReadValue(const JetFile& file, const Row& row, const ColumnDefinition& column) {
+  if (column.type == ColumnType::kBoolean) return row.Flag(column);
+  const auto bytes = row.Value(column);
+  if (!bytes) return Variant::Null();
+  if (!column.long_value()) return DecodeValue(column, *bytes, file.format().jet4);
+  const LongValue value = ReadLongValue(file, *bytes);
+  return DecodeValue(column, {value.bytes, bytes->PlaceOf(0)}, file.format().jet4);
+}
+
+}  // namespace ambrelio::jetfile

@@ -1,0 +1,116 @@
+#include "ambrelio/engine/jetfile/jet_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "ambrelio/engine/jetfile/damage.h"
+#include "engine/jetfile/samples.h"
+#include "support/error_of.h"
+#include "support/temp_folder.h"
+
+namespace ambrelio::jetfile {
+namespace {
+
+constexpr int kFileNotFound = 3024;
+constexpr int kWrongPassword = 3031;
+constexpr int kDamaged = 3049;
+constexpr int kUnrecognised = 3343;
+constexpr size_t kVersionAt = 0x14;
+
+int OpeningFails(const Bytes& bytes, const std::string& password = "") {
+  return test::ErrorOf([&] { JetFile::FromBytes(bytes, password); });
+}
+
+std::string WhyNotOpened(const Bytes& bytes) {
+  try {
+    JetFile::FromBytes(bytes, "");
+  } catch (const AutomationError& error) {
+    return error.description();
+  }
+  return "opened";
+}
+
+TEST(JetFile, ReadsFromDiskWhatItReadsFromMemory) {
+  const JetFile disk = JetFile::Open(SamplePath("indexTestV2000"), "");
+  const JetFile memory = JetFile::FromBytes(SampleBytes("indexTestV2000"), "");
+  ASSERT_EQ(disk.page_count(), memory.page_count());
+  for (uint32_t page = 0; page < disk.page_count(); ++page) {
+    EXPECT_EQ(*disk.Read(page), *memory.Read(page));
+  }
+}
+
+TEST(JetFile, OpensWithItsPasswordOnly) {
+  const Bytes file = SampleBytes("password");
+  EXPECT_EQ(OpeningFails(file, "ucanaccess"), 0);
+  EXPECT_EQ(OpeningFails(file, "Ucanaccess"), kWrongPassword);
+  EXPECT_EQ(OpeningFails(file), kWrongPassword);
+  EXPECT_EQ(OpeningFails(SampleBytes("pivot"), "ucanaccess"), kWrongPassword);
+}
+
+TEST(JetFile, IsMissing) {
+  EXPECT_EQ(test::ErrorOf([] { JetFile::Open("/no/such/file.mdb", ""); }), kFileNotFound);
+}
+
+TEST(JetFile, RefusesLaterVersions) {
+  for (const int version : {2, 3, 5, 6}) {
+    Bytes file = SampleBytes("adox_jet4");
+    file[kVersionAt] = static_cast<uint8_t>(version);
+    EXPECT_EQ(OpeningFails(file), kUnrecognised);
+  }
+  Bytes file = SampleBytes("adox_jet4");
+  const std::string ace = "Standard ACE DB";
+  std::copy(ace.begin(), ace.end(), file.begin() + 4);
+  EXPECT_EQ(OpeningFails(file), kUnrecognised);
+  EXPECT_THAT(WhyNotOpened(file), testing::HasSubstr("Access 2007 or later"));
+}
+
+TEST(JetFile, RefusesWhatIsNoDatabase) {
+  EXPECT_EQ(OpeningFails({}), kUnrecognised);
+  EXPECT_EQ(OpeningFails(Bytes(5000, 'x')), kUnrecognised);
+  Bytes file = SampleBytes("adox_jet4");
+  file[0] = 1;
+  EXPECT_EQ(OpeningFails(file), kUnrecognised);
+}
+
+TEST(JetFile, RefusesAnUnknownEncryption) {
+  Bytes file = SampleBytes("db-enc");
+  file[0x1000 * 2] ^= 1;
+  EXPECT_EQ(OpeningFails(file), kUnrecognised);
+  EXPECT_THAT(WhyNotOpened(file), testing::HasSubstr("encrypted"));
+}
+
+TEST(JetFile, IsDamagedWithoutItsFirstPages) {
+  Bytes file = SampleBytes("adox_jet4");
+  file.resize(0x800);
+  EXPECT_EQ(OpeningFails(file), kDamaged);
+  file = SampleBytes("adox_jet4");
+  file.resize(0x2000);
+  EXPECT_EQ(OpeningFails(file), kDamaged);
+  file = SampleBytes("adox_jet4");
+  file[0x2000] = 9;
+  EXPECT_EQ(OpeningFails(file), kDamaged);
+  EXPECT_THAT(WhyNotOpened(file), testing::HasSubstr("page 2, offset 0x0"));
+}
+
+TEST(Header, UnmasksAndMasksToTheSameBytes) {
+  const Bytes page = *JetFile::Open(SamplePath("password"), "ucanaccess").Read(0);
+  Bytes twice = page;
+  MaskHeader(twice, kJet4);
+  EXPECT_NE(twice, page);
+  MaskHeader(twice, kJet4);
+  EXPECT_EQ(twice, page);
+}
+
+TEST(MemoryPages, ReplacesAndAppendsPages) {
+  MemoryPages pages(SampleBytes("adox_jet4"), kJet4.page_size);
+  const Page before = pages.Read(3);
+  pages.Write(3, Bytes(kJet4.page_size, 7));
+  pages.Write(16, Bytes(kJet4.page_size, 8));
+  EXPECT_EQ(pages.page_count(), 17);
+  EXPECT_EQ(pages.Read(3)->front(), 7);
+  EXPECT_EQ(before->front(), 2);  // who holds a page keeps it
+  EXPECT_EQ(test::ErrorOf([&] { pages.Write(18, Bytes(kJet4.page_size)); }), kDamaged);
+}
+
+}  // namespace
+}  // namespace ambrelio::jetfile
