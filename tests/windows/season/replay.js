@@ -29,7 +29,9 @@ var methods = {
     EntradaNivel: function (o, a) { return a.length == 3 ? o.EntradaNivel(null, a[1], a[2]) : o.EntradaNivel(null, a[1]); },
     EntradaDensidad: function (o, a) { return o.EntradaDensidad(a[0]); },
     EliminarUltimoNivel: function (o) { return o.EliminarUltimoNivel(); },
-    NuevoVaciado: function (o, a) { return o.NuevoVaciado(a[0], a[1], null, a[3]); },
+    NuevoVaciado: function (o, a) {
+        return a[3] === undefined ? o.NuevoVaciado(a[0], a[1]) : o.NuevoVaciado(a[0], a[1], null, a[3]);
+    },
     DeshacerVaciado: function (o) { return o.DeshacerVaciado(); },
     LitrosActual: function (o) { return o.LitrosActual(); },
     NivelActual: function (o) { return o.NivelActual(); },

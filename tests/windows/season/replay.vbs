@@ -85,7 +85,8 @@ Sub CallMember()
             If n = 3 Then r = o.EntradaNivel(, a(1), a(2)) Else r = o.EntradaNivel(, a(1))
         Case "EntradaDensidad": r = o.EntradaDensidad(a(0))
         Case "EliminarUltimoNivel": r = o.EliminarUltimoNivel
-        Case "NuevoVaciado": r = o.NuevoVaciado(a(0), a(1), , a(3))
+        Case "NuevoVaciado"
+            If IsArray(a(3)) Then r = o.NuevoVaciado(a(0), a(1), , a(3)) Else r = o.NuevoVaciado(a(0), a(1))
         Case "DeshacerVaciado": r = o.DeshacerVaciado
         Case "LitrosActual": r = o.LitrosActual
         Case "NivelActual": r = o.NivelActual
