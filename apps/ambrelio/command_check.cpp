@@ -33,7 +33,8 @@ struct CheckOptions {
 
 template <class T>
 Variant NumberOrNull(const std::optional<T>& number) {
-  return number ? Variant(static_cast<double>(*number)) : Variant::Null();
+  if (!number) return Variant::Null();
+  return static_cast<int32_t>(std::min<uint64_t>(*number, INT32_MAX));
 }
 
 Report FindingsReport(const std::vector<engine::CheckFinding>& findings) {
