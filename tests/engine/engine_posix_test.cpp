@@ -15,9 +15,8 @@ TEST(EngineHere, RefusesJetFilesByTheirFirstBytes) {
     const std::string path = folder.File("oliva.mdb");
     std::ofstream(path, std::ios::binary)
         << std::string("\0\1\0\0", 4) << format << std::string(4096, '\0');
-    EXPECT_EQ(test::ErrorOf([&] {
-                Create()->DefaultWorkspace().OpenDatabase(path, false, false, ";pwd=");
-              }),
+    EXPECT_EQ(test::ErrorOf(
+                  [&] { Create()->DefaultWorkspace().OpenDatabase(path, false, false, ";pwd="); }),
               3343);
   }
 }

@@ -25,8 +25,8 @@ ComPtr<IDispatch> CreateObject(std::string_view prog_id);
 
 // A reference to an object, called as Visual Basic calls: a failure comes out as an AutomationError
 // with the object's own number, source and description; a member it lacks as 438; any call on
-// Nothing as 91. Names compare without regard to case; each is looked up once, so that a loop over one
-// object costs its calls only.
+// Nothing as 91. Names compare without regard to case; each is looked up once, so that a loop over
+// one object costs its calls only.
 class LateBound {
  public:
   LateBound() = default;  // Nothing

@@ -167,10 +167,10 @@ TEST_F(DaoCalls, MakeATable) {
           "DAO.Field.Required = True", "DAO.Field.DefaultValue = \"'nadie'\"",
           "DAO.Field.OrdinalPosition = 5%", "DAO.TableDef.Fields", "DAO.Fields.Append(<DAO.Field>)",
           "DAO.TableDef.CreateIndex(\"key\")", "DAO.Index.Fields",
-          "DAO.Index.CreateField(\"Codigo\")", "DAO.Fields.Append(<DAO.Field>)", "DAO.Index.Unique = True",
-          "DAO.Index.Primary = True", "DAO.Index.IgnoreNulls = False", "DAO.Index.Required = True",
-          "DAO.TableDef.Indexes", "DAO.Indexes.Append(<DAO.Index>)", "DAO.Database.TableDefs",
-          "DAO.TableDefs.Append(<DAO.TableDef>)"));
+          "DAO.Index.CreateField(\"Codigo\")", "DAO.Fields.Append(<DAO.Field>)",
+          "DAO.Index.Unique = True", "DAO.Index.Primary = True", "DAO.Index.IgnoreNulls = False",
+          "DAO.Index.Required = True", "DAO.TableDef.Indexes", "DAO.Indexes.Append(<DAO.Index>)",
+          "DAO.Database.TableDefs", "DAO.TableDefs.Append(<DAO.TableDef>)"));
   const auto table = database->TableDefs().Item("clientes");
   const auto name = table->Fields().Item(1);
   EXPECT_EQ(name->Name(), "Nombre");

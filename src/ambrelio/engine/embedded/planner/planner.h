@@ -37,8 +37,8 @@ struct PlanOptions {
 };
 
 // How often each rewrite was made: joins that became inner ones, queries that were merged, joins
-// that were split, calls of `first` and `last` that compare fewer keys. What stands in both branches
-// of a split join counts in each.
+// that were split, calls of `first` and `last` that compare fewer keys. What stands in both
+// branches of a split join counts in each.
 struct RewritesMade {
   int inner_joins = 0;
   int merged_queries = 0;
