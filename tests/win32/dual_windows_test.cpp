@@ -256,8 +256,11 @@ std::vector<std::string> CallEverything(const Caller& call) {
     const LateBound hopper = root.ObjectFrom("Tolva", {int16_t{1}});
     hopper.Call("Descargar", {int16_t{1}, int16_t{1}, 0.5});
     const LateBound tank = root.ObjectFrom("Deposito", {int16_t{1}});
-    tank.Call("EntradaNivel", {Variant(), int32_t{10}, 500.0});
-    tank.Call("NuevoVaciado", {int16_t{2}, 100.0});
+    // Moments well after those of the clock, so that no run meets two in the same second.
+    const OleDate read = OleDate::FromIso("2090-01-01 08:00:00").value();
+    const OleDate emptied = OleDate::FromIso("2090-01-02 08:00:00").value();
+    tank.Call("EntradaNivel", {read, int32_t{10}, 500.0});
+    tank.Call("NuevoVaciado", {int16_t{2}, 100.0, emptied});
     const LateBound referent = root.ObjectFrom("NuevoReferente", {int16_t{1}});
     const std::map<std::string, LateBound> objects = {
         {"Trazabilidad", root},
