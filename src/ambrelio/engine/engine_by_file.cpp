@@ -61,8 +61,9 @@ class ByFile final : public dao::DBEngine {
 
 }  // namespace
 
-std::shared_ptr<dao::DBEngine> EngineByFile(std::shared_ptr<dao::DBEngine> own, EngineFactory jet) {
-  return std::make_shared<ByFile>(std::move(own), std::move(jet));
+std::shared_ptr<dao::DBEngine> EngineByFile(const std::shared_ptr<dao::DBEngine>& own,
+                                            EngineFactory jet) {
+  return std::make_shared<ByFile>(own, std::move(jet));
 }
 
 }  // namespace ambrelio::engine

@@ -16,6 +16,7 @@ using EngineFactory = std::function<std::shared_ptr<dao::DBEngine>()>;
 // Transactions are those of the engine whose database was opened last, and of `own` before there is
 // one: a thread that has databases of both open moves levels on one side only, and levels left open
 // on the other side end with its database.
-std::shared_ptr<dao::DBEngine> EngineByFile(std::shared_ptr<dao::DBEngine> own, EngineFactory jet);
+std::shared_ptr<dao::DBEngine> EngineByFile(const std::shared_ptr<dao::DBEngine>& own,
+                                            EngineFactory jet);
 
 }  // namespace ambrelio::engine

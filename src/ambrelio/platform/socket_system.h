@@ -31,7 +31,7 @@ inline constexpr auto kNoSocket = static_cast<NativeSocket>(-1);
 class SocketSystem {
  public:
   SocketSystem();
-  ~SocketSystem();
+  ~SocketSystem();  // NOLINT(performance-trivially-destructible): on one system there is work
   SocketSystem(const SocketSystem&) = delete;
   SocketSystem& operator=(const SocketSystem&) = delete;
 };

@@ -35,7 +35,8 @@ Page DiskPages::Read(uint32_t number) const {
 
 MemoryPages::MemoryPages(std::span<const uint8_t> file, size_t page_size) : page_size_(page_size) {
   for (; file.size() >= page_size; file = file.subspan(page_size)) {
-    pages_.push_back(std::make_shared<Bytes>(file.begin(), file.begin() + page_size));
+    pages_.push_back(
+        std::make_shared<Bytes>(file.begin(), file.begin() + static_cast<ptrdiff_t>(page_size)));
   }
 }
 

@@ -1,8 +1,6 @@
 // The address of a row, which is its identity as long as it lives.
 #pragma once
 
-#include <compare>
-
 #include "ambrelio/engine/jetfile/bytes.h"
 
 namespace ambrelio::jetfile {
@@ -13,7 +11,10 @@ struct RowPointer {
 
   // As the format writes "no row".
   bool none() const { return page == 0; }
-  friend auto operator<=>(RowPointer, RowPointer) = default;
+  friend bool operator==(RowPointer, RowPointer) = default;
+  friend bool operator<(RowPointer a, RowPointer b) {
+    return a.page != b.page ? a.page < b.page : a.row < b.row;
+  }
 };
 
 // As it stands everywhere but in indexes: the row, then the page, the lowest byte first.
