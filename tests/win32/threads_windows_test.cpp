@@ -173,8 +173,8 @@ void UseOnce(const ServerDll& dll, const MillFolder& mill) {
 
 // What `action` leaves behind each time, once the system has what it keeps.
 void ExpectToLeave(SIZE_T bytes_each, const std::function<void()>& action) {
-  constexpr int kTimes = 100;
-  for (int i = 0; i < 20; ++i) action();
+  constexpr int kTimes = 30;
+  for (int i = 0; i < 10; ++i) action();
   const SIZE_T bytes = PrivateBytes();
   const DWORD handles = OpenHandles();
   for (int i = 0; i < kTimes; ++i) action();
