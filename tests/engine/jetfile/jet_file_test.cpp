@@ -101,15 +101,39 @@ TEST(Header, UnmasksAndMasksToTheSameBytes) {
   EXPECT_EQ(twice, page);
 }
 
-TEST(MemoryPages, ReplacesAndAppendsPages) {
-  MemoryPages pages(SampleBytes("adox_jet4"), kJet4.page_size);
-  const Page before = pages.Read(3);
+TEST(ChangedPages, AreReadAsWrittenAndLeaveTheFileAsItIs) {
+  const Bytes file = SampleBytes("adox_jet4");
+  ChangedPages pages(std::make_unique<MemoryPages>(file, kJet4.page_size));
+  const Page held = pages.Read(3);
   pages.Write(3, Bytes(kJet4.page_size, 7));
   pages.Write(16, Bytes(kJet4.page_size, 8));
-  EXPECT_EQ(pages.page_count(), 17);
-  EXPECT_EQ(pages.Read(3)->front(), 7);
-  EXPECT_EQ(before->front(), 2);  // who holds a page keeps it
+  EXPECT_EQ(pages.page_count(), 17U);
+  EXPECT_EQ((*pages.Read(3))[0], 7);
+  EXPECT_EQ((*held)[0], 2);
   EXPECT_EQ(test::ErrorOf([&] { pages.Write(18, Bytes(kJet4.page_size)); }), kDamaged);
+  pages.Forget();
+  EXPECT_EQ(pages.page_count(), 16U);
+  EXPECT_EQ(*pages.Read(3), *held);
+}
+
+TEST(JetFile, EnciphersTheChangesOfAnEncryptedFile) {
+  const Bytes bytes = SampleBytes("db-enc");
+  JetFile file = JetFile::FromBytes(bytes, "");
+  for (uint32_t page = 0; page < file.page_count(); ++page) file.Write(page, *file.Read(page));
+  Bytes stored;
+  for (const auto& [number, page] : file.StoredChanges()) Append(stored, *page);
+  EXPECT_EQ(stored, bytes);
+}
+
+TEST(JetFile, KnowsTheHeaderThatIsWritten) {
+  JetFile file = JetFile::FromBytes(SampleBytes("adox_jet4"), "");
+  const std::vector<uint16_t> commits = file.header().commits;
+  Bytes header = *file.Read(0);
+  Put(header, kJet4.commit_table_at, commits[0] + 1U, 2);
+  file.Write(0, header);
+  EXPECT_EQ(file.header().commits[0], commits[0] + 1);
+  file.ForgetChanges();
+  EXPECT_EQ(file.header().commits, commits);
 }
 
 }  // namespace

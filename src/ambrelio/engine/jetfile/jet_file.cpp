@@ -4,6 +4,7 @@
 
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/open_file.h"
+#include "ambrelio/engine/jetfile/rc4.h"
 #include "ambrelio/engine/jetfile/text.h"
 #include "ambrelio/platform/file_path.h"
 #include "ambrelio/platform/text_encoding.h"
@@ -38,20 +39,42 @@ JetFile JetFile::FromBytes(std::span<const uint8_t> file, std::string_view passw
 }
 
 JetFile::JetFile(std::unique_ptr<PageFile> pages, size_t torn_bytes, std::string_view password)
-    : pages_(std::move(pages)), torn_bytes_(torn_bytes) {
-  const Page first = pages_->Read(0);
-  header_ = ParseHeader(ViewOf(first, 0));
+    : torn_bytes_(torn_bytes) {
+  header_ = ParseHeader(ViewOf(pages->Read(0), 0));
   CheckPassword(header_, password);
   if (header_.key != 0) {
-    pages_ = std::make_unique<DecipheredPages>(std::move(pages_), header_.key);
+    pages = std::make_unique<DecipheredPages>(std::move(pages), header_.key);
   }
-  const Page objects = pages_->Read(kObjectsPage);
+  pages_ = std::make_unique<ChangedPages>(std::move(pages));
+  const Page objects = Read(kObjectsPage);
   if (ViewOf(objects, kObjectsPage).U16(0) == static_cast<uint16_t>(PageType::kDefinition)) return;
   if (header_.key != 0) {
     Refuse(dao::DaoError::kUnrecognisedFormat,
            "Unrecognised database format: the file is encrypted in a way that is not known here.");
   }
   throw Damage({kObjectsPage, 0}, "the definition of MSysObjects is expected here");
+}
+
+void JetFile::Write(uint32_t number, Bytes page) {
+  pages_->Write(number, std::move(page));
+  if (number == 0) header_ = ParseHeader(ViewOf(Read(0), 0));
+}
+
+std::map<uint32_t, Page> JetFile::StoredChanges() const {
+  std::map<uint32_t, Page> stored = changes();
+  if (header_.key == 0) return stored;
+  for (auto& [number, page] : stored) {
+    if (number == 0) continue;
+    auto bytes = std::make_shared<Bytes>(*page);
+    Rc4(header_.key ^ number, *bytes);
+    page = std::move(bytes);
+  }
+  return stored;
+}
+
+void JetFile::ForgetChanges() {
+  pages_->Forget();
+  header_ = ParseHeader(ViewOf(Read(0), 0));
 }
 
 std::string JetFile::PlainText(ByteView bytes) const {

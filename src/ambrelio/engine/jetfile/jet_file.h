@@ -1,6 +1,8 @@
-// An open database file: its pages in clear, and what page 0 says of them.
+// An open database file: its pages in clear, and what page 0 says of them. What is changed in it
+// stays in memory; putting it on the disk, whole or not at all, is somebody else's business.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -19,11 +21,23 @@ class JetFile {
   static JetFile Open(const std::string& path, std::string_view password);
   // The same of a file in memory, which is copied.
   static JetFile FromBytes(std::span<const uint8_t> file, std::string_view password);
+  // The same of pages as they stand in a file; `torn_bytes` are those behind the last whole one.
+  JetFile(std::unique_ptr<PageFile> pages, size_t torn_bytes, std::string_view password);
 
   const Header& header() const { return header_; }
   const Format& format() const { return *header_.format; }
   uint32_t page_count() const { return pages_->page_count(); }
   Page Read(uint32_t number) const { return pages_->Read(number); }
+  // A whole page in clear, from now on read as it is here. A number of page_count() appends it.
+  // For Jet 4 alone.
+  void Write(uint32_t number, Bytes page);
+
+  // What was written, by page, in clear and as it has to stand in the file.
+  const std::map<uint32_t, Page>& changes() const { return pages_->changes(); }
+  std::map<uint32_t, Page> StoredChanges() const;
+  // The file is again what it is below the changes.
+  void ForgetChanges();
+
   // Bytes of the file beyond its last whole page.
   size_t torn_bytes() const { return torn_bytes_; }
 
@@ -33,9 +47,7 @@ class JetFile {
   Bytes PlainBytes(std::string_view text) const;
 
  private:
-  JetFile(std::unique_ptr<PageFile> pages, size_t torn_bytes, std::string_view password);
-
-  std::unique_ptr<PageFile> pages_;
+  std::unique_ptr<ChangedPages> pages_;
   Header header_;
   size_t torn_bytes_;
 };

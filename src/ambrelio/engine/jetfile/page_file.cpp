@@ -45,18 +45,27 @@ Page MemoryPages::Read(uint32_t number) const {
   return pages_[number];
 }
 
-void MemoryPages::Write(uint32_t number, Bytes bytes) {
-  RequirePage(number, page_count() + 1);
-  if (number == page_count()) pages_.emplace_back();
-  pages_[number] = std::make_shared<Bytes>(std::move(bytes));
-}
-
 Page DecipheredPages::Read(uint32_t number) const {
   Page page = pages_->Read(number);
   if (number == 0) return page;
   auto clear = std::make_shared<Bytes>(*page);
   Rc4(key_ ^ number, *clear);
   return clear;
+}
+
+uint32_t ChangedPages::page_count() const {
+  const uint32_t behind_last = changes_.empty() ? 0 : changes_.rbegin()->first + 1;
+  return std::max(below_->page_count(), behind_last);
+}
+
+Page ChangedPages::Read(uint32_t number) const {
+  const auto change = changes_.find(number);
+  return change != changes_.end() ? change->second : below_->Read(number);
+}
+
+void ChangedPages::Write(uint32_t number, Bytes bytes) {
+  RequirePage(number, page_count() + 1);
+  changes_[number] = std::make_shared<Bytes>(std::move(bytes));
 }
 
 }  // namespace ambrelio::jetfile

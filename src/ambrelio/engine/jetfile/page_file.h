@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -52,8 +53,6 @@ class MemoryPages : public PageFile {
   size_t page_size() const override { return page_size_; }
   uint32_t page_count() const override { return static_cast<uint32_t>(pages_.size()); }
   Page Read(uint32_t number) const override;
-  // `bytes` is a whole page. A number of page_count() appends it.
-  void Write(uint32_t number, Bytes bytes);
 
  private:
   size_t page_size_;
@@ -73,6 +72,26 @@ class DecipheredPages : public PageFile {
  private:
   std::unique_ptr<PageFile> pages_;
   uint32_t key_;
+};
+
+// A file with changes that are not in it yet: pages that are read as they were written here, and
+// the file below, which stays as it is.
+class ChangedPages : public PageFile {
+ public:
+  explicit ChangedPages(std::unique_ptr<PageFile> below) : below_(std::move(below)) {}
+
+  size_t page_size() const override { return below_->page_size(); }
+  uint32_t page_count() const override;
+  Page Read(uint32_t number) const override;
+  // `bytes` is a whole page. A number of page_count() appends it.
+  void Write(uint32_t number, Bytes bytes);
+
+  const std::map<uint32_t, Page>& changes() const { return changes_; }
+  void Forget() { changes_.clear(); }
+
+ private:
+  std::unique_ptr<PageFile> below_;
+  std::map<uint32_t, Page> changes_;
 };
 
 }  // namespace ambrelio::jetfile
