@@ -9,6 +9,7 @@ _ambrelio_options() {
     call) echo "$answer" ;;
     sql) echo "$answer" --password --plan ;;
     check) echo --password --json --csv ;;
+    convert) echo --password ;;
     deposito) echo "$answer" --historia --formula --por ;;
     vaciado | descarga) echo "$answer" --por ;;
     tolva) echo "$answer" --historia --por ;;
@@ -43,7 +44,7 @@ _ambrelio_paths() {
 
 _ambrelio() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands='create journal call sql check sensors gateway deposito vaciado tolva descarga historia
+  local commands='create journal call sql check convert sensors gateway deposito vaciado tolva descarga historia
                   referentes password'
   local command='' given=0 i
   COMPREPLY=()
@@ -73,6 +74,9 @@ _ambrelio() {
     [[ $command ]] || words+=' --version'
   elif [[ ! $command ]]; then
     words=$commands
+  elif [[ $command == convert ]] && ((given < 2)); then
+    _ambrelio_paths -f "$word"
+    return
   elif ((given == 0)); then
     case $command in journal | sql | check) _ambrelio_paths -f "$word"; return ;; esac
     words=$(_ambrelio_words "$command")

@@ -19,14 +19,18 @@ Examples:
   ambrelio create --app C:\almazara
   ambrelio create --app mill --masters examples/campana
 
-The INI files of the application folder name the database and its password; a
-database that exists is never overwritten. The master files are UTF-8, separated
+The INI files of the application folder name the database and its password: a
+Jet file (Access 2000 to 2003) when its name ends in .mdb, and one of the embedded
+engine otherwise. A database that exists is never overwritten. The master files are UTF-8, separated
 by commas, and their first line names the columns.
 )help";
 
-// What the engine keeps beside a database while it is open.
+// What the engine keeps beside a database while it is open: the log, its index, and of a Jet file
+// the rollback record and the lock.
 constexpr const char* kLog = "-wal";
 constexpr const char* kLogIndex = "-shm";
+constexpr const char* kRollback = "-rollback";
+constexpr const char* kLock = "-lock";
 
 struct CreateOptions {
   MillOptions mill;
@@ -60,10 +64,10 @@ void CheckMasters(const std::string& folder) {
   throw Failure(ExitCode::kFileProblem, "'" + path + "' exists already; it is left as it is");
 }
 
-// The place is also taken by a link that leads nowhere, and by the log of a former database, which
-// would be taken for the new one's.
+// The place is also taken by a link that leads nowhere, and by the log or the rollback record of a
+// former database, which would be taken for the new one's.
 void CheckPlace(const std::string& path) {
-  for (const std::string& name : {path, path + kLog}) {
+  for (const std::string& name : {path, path + kLog, path + kRollback}) {
     std::error_code ignored;
     const auto status = std::filesystem::symlink_status(FilePath(name), ignored);
     if (std::filesystem::exists(status)) FailExisting(name);
@@ -122,7 +126,7 @@ void RunCreate(const CreateOptions& options, Context& context) {
   if (!options.masters.empty()) CheckMasters(options.masters);
 
   CheckPlace(settings.path);
-  const UnfinishedFile unfinished(settings.path, {kLog, kLogIndex});
+  const UnfinishedFile unfinished(settings.path, {kLog, kLogIndex, kRollback, kLock});
   const std::string report = Make(session, settings, options.masters, unfinished.path());
   PutInPlace(unfinished, settings.path);
   Write(context.console, report);

@@ -22,6 +22,7 @@ void AddJournal(CLI::App& app, Context& context);
 void AddCall(CLI::App& app, Context& context);
 void AddSql(CLI::App& app, Context& context);
 void AddCheck(CLI::App& app, Context& context);
+void AddConvert(CLI::App& app, Context& context);
 void AddSensors(CLI::App& app, Context& context);
 void AddGateway(CLI::App& app, Context& context);
 void AddDeposito(CLI::App& app, Context& context);

@@ -28,7 +28,8 @@ constexpr char kFooter[] = R"help("ambrelio COMMAND --help" tells more of a comm
 
 Exit codes:
   0  done
-  1  the library or the database engine raised an error; check: something is wrong
+  1  the library or the database engine raised an error; check: something is wrong;
+     convert: something could not be copied
   2  wrong arguments, or malformed input
   3  a file, folder or database cannot be read, written or opened)help";
 
@@ -87,6 +88,7 @@ void Declare(CLI::App& app, Context& context) {
   AddCall(app, context);
   AddSql(app, context);
   AddCheck(app, context);
+  AddConvert(app, context);
   AddSensors(app, context);
   AddGateway(app, context);
   AddDeposito(app, context);

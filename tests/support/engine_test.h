@@ -11,6 +11,7 @@
 #include "ambrelio/engine/embedded/embedded_engine.h"
 #include "support/error_of.h"
 #include "support/temp_folder.h"
+#include "support/test_files.h"
 
 namespace ambrelio::test {
 
@@ -48,10 +49,13 @@ class EngineTest : public ::testing::Test {
   }
 
   // An engine of its own: to the file it is what another process is.
-  static std::shared_ptr<dao::DBEngine> OtherEngine() { return embedded::CreateEngine(); }
+  static std::shared_ptr<dao::DBEngine> OtherEngine(
+      embedded::NewFiles new_files = FormOfTestFiles()) {
+    return embedded::CreateEngine(embedded::PlanOptions::FromEnvironment(), {}, new_files);
+  }
 
   TempFolder folder_;
-  std::shared_ptr<dao::DBEngine> engine_ = embedded::CreateEngine();
+  std::shared_ptr<dao::DBEngine> engine_ = OtherEngine();
 };
 
 }  // namespace ambrelio::test

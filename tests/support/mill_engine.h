@@ -1,5 +1,5 @@
-// The engine that tests of a mill work on: the session's own, or DAO's adapter over the stand-in in
-// the programs that are built with AMBRELIO_TEST_OVER_DAO.
+// The engine that tests of a mill work on: one like the session's own, or DAO's adapter over the
+// stand-in in the programs that are built with AMBRELIO_TEST_OVER_DAO.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,9 @@
 #include "support/error_of.h"
 #include "windows/dao_stand_in/stand_in.h"
 #else
-#include "ambrelio/engine/engine.h"
+#include "ambrelio/engine/embedded/embedded_engine.h"
+#include "ambrelio/engine/mill_indexes.h"
+#include "support/test_files.h"
 #endif
 
 namespace ambrelio::test {
@@ -35,7 +37,10 @@ inline std::shared_ptr<dao::DBEngine> MakeMillEngine() {
 
 #else
 
-inline std::shared_ptr<dao::DBEngine> MakeMillEngine() { return engine::Create(); }
+inline std::shared_ptr<dao::DBEngine> MakeMillEngine() {
+  return embedded::CreateEngine(embedded::PlanOptions::FromEnvironment(), engine::MillIndexes(),
+                                FormOfTestFiles());
+}
 
 #endif
 

@@ -14,7 +14,10 @@ namespace fs = std::filesystem;
 UnfinishedFile::UnfinishedFile(std::string place, std::vector<std::string> companions)
     : place_(std::move(place)), companions_(std::move(companions)) {
   std::random_device random;
-  path_ = place_ + "." + std::to_string(random()) + ".new";
+  fs::path name = FilePath(place_);
+  const std::string mark = "." + std::to_string(random()) + ".new";
+  name.replace_extension(FilePath(mark + Utf8Path(name.extension())));
+  path_ = Utf8Path(name);
 }
 
 UnfinishedFile::~UnfinishedFile() {

@@ -3,6 +3,7 @@
 
 #include "ambrelio/engine/engine.h"
 #include "engine/dao_com/dao_com_test.h"
+#include "support/environment.h"
 
 namespace ambrelio::dao_com {
 namespace {
@@ -12,25 +13,37 @@ using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-TEST(EngineWithoutDao, OpensItsOwnFilesAndCannotCreateDaoForThoseOfJet) {
+TEST(EngineWithoutDao, OpensFilesOfBothKindsItself) {
   const test::TempFolder folder;
-  const std::string path = folder.File("jet.mdb");
-  {
-    const test::StandIn stand_in;
-    CreateEngine()->DefaultWorkspace().CreateDatabase(path, "");
-  }
   const auto engine = engine::Create();
   dao::Workspace& workspace = engine->DefaultWorkspace();
-  EXPECT_EQ(ErrorOf([&] { workspace.CreateDatabase(folder.File("own.mdb"), "")->Close(); }), 0);
-  EXPECT_EQ(ErrorOf([&] { workspace.OpenDatabase(folder.File("own.mdb"), false, false, ""); }), 0);
-  EXPECT_EQ(ErrorOf([&] { workspace.OpenDatabase(path, false, false, ""); }), 429);
+  for (const char* name : {"jet.mdb", "own.sqlite"}) {
+    workspace.CreateDatabase(folder.File(name), "")->Close();
+    EXPECT_EQ(ErrorOf([&] { workspace.OpenDatabase(folder.File(name), false, false, ""); }), 0);
+  }
+}
+
+TEST(EngineWithoutDao, CanBeToldToUseItAllTheSame) {
+  const test::TempFolder folder;
+  const std::string path = folder.File("jet.mdb");
+  engine::Create()->DefaultWorkspace().CreateDatabase(path, "")->Close();
+  test::ScopedEnvironment environment;
+  environment.Set("AMBRELIO_JET", "dao");
+  const auto engine = engine::Create();
+  EXPECT_EQ(ErrorOf([&] { engine->DefaultWorkspace().OpenDatabase(path, false, false, ""); }), 429);
+}
+
+TEST(EngineChoice, RefusesWhatIsNoChoice) {
+  test::ScopedEnvironment environment;
+  environment.Set("AMBRELIO_JET", "jet");
+  EXPECT_EQ(ErrorOf([] { engine::Create(); }), 5);
 }
 
 class EngineWithDao : public DaoComTest {
  protected:
   void SetUp() override {
     Create()->Close();  // a file of Jet, oliva.mdb
-    chosen_->DefaultWorkspace().CreateDatabase(Path("own.mdb"), "")->Close();
+    chosen_->DefaultWorkspace().CreateDatabase(Path("own.sqlite"), "")->Close();
   }
   DatabasePtr OpenChosen(const std::string& name) {
     return chosen_->DefaultWorkspace().OpenDatabase(Path(name), false, false, ";pwd=");
@@ -46,10 +59,20 @@ TEST_F(EngineWithDao, LeavesFilesOfJetToIt) {
 
 TEST_F(EngineWithDao, KeepsItsOwnFilesAndThoseItMakes) {
   EXPECT_THAT(Asked([&] {
-                OpenChosen("own.mdb");
-                chosen_->DefaultWorkspace().CreateDatabase(Path("new.mdb"), "");
+                OpenChosen("own.sqlite");
+                chosen_->DefaultWorkspace().CreateDatabase(Path("new.sqlite"), "");
               }),
               IsEmpty());
+}
+
+TEST_F(EngineWithDao, CanBeToldToLeaveItAlone) {
+  test::ScopedEnvironment environment;
+  environment.Set("AMBRELIO_JET", "own");
+  const auto own = engine::Create();
+  own->DefaultWorkspace().CreateDatabase(Path("new.mdb"), "")->Close();
+  EXPECT_THAT(
+      Asked([&] { own->DefaultWorkspace().OpenDatabase(Path("new.mdb"), false, false, ""); }),
+      IsEmpty());
 }
 
 TEST_F(EngineWithDao, RefusesWhatIsMissingOrNeitherItself) {
@@ -67,7 +90,7 @@ TEST_F(EngineWithDao, MovesTheLevelsOfTheDatabaseOpenedLast) {
     return database->OpenRecordset("select count(*) from Nombres")->Value(0).as<int32_t>();
   };
   dao::Workspace& both = chosen_->DefaultWorkspace();
-  for (const char* name : {"oliva.mdb", "own.mdb", "oliva.mdb"}) {
+  for (const char* name : {"oliva.mdb", "own.sqlite", "oliva.mdb"}) {
     const auto database = OpenChosen(name);
     if (database->TableDefs().Count() == 0) AddNames(*database);
     both.BeginTrans();

@@ -1,5 +1,7 @@
 #include "ambrelio/engine/dao_com/dao_engine.h"
 
+#include <objbase.h>
+
 #include <string>
 
 #include "ambrelio/com/apartment.h"
@@ -33,5 +35,11 @@ class DaoEngine final : public dao::DBEngine {
 }  // namespace
 
 std::shared_ptr<dao::DBEngine> CreateEngine() { return std::make_shared<DaoEngine>(); }
+
+bool IsRegistered() {
+  CLSID ignored;
+  return SUCCEEDED(CLSIDFromProgID(L"DAO.DBEngine.36", &ignored)) ||
+         SUCCEEDED(CLSIDFromProgID(L"DAO.DBEngine.120", &ignored));
+}
 
 }  // namespace ambrelio::dao_com

@@ -15,4 +15,7 @@ namespace ambrelio::dao_com {
 // of it has to go before it does.
 std::shared_ptr<dao::DBEngine> CreateEngine();
 
+// Whether there is one of the two.
+bool IsRegistered();
+
 }  // namespace ambrelio::dao_com

@@ -9,7 +9,8 @@ namespace {
 
 class EmbeddedEngine final : public dao::DBEngine {
  public:
-  EmbeddedEngine(const PlanOptions& plan, KeptIndexes kept) : workspace_(plan, std::move(kept)) {}
+  EmbeddedEngine(const PlanOptions& plan, KeptIndexes kept, NewFiles new_files)
+      : workspace_(plan, std::move(kept), new_files) {}
 
   // The version of DAO whose behaviour clients find here.
   std::string Version() const override { return "3.6"; }
@@ -21,8 +22,9 @@ class EmbeddedEngine final : public dao::DBEngine {
 
 }  // namespace
 
-std::shared_ptr<dao::DBEngine> CreateEngine(const PlanOptions& plan, KeptIndexes kept) {
-  return std::make_shared<EmbeddedEngine>(plan, std::move(kept));
+std::shared_ptr<dao::DBEngine> CreateEngine(const PlanOptions& plan, KeptIndexes kept,
+                                            NewFiles new_files) {
+  return std::make_shared<EmbeddedEngine>(plan, std::move(kept), new_files);
 }
 
 }  // namespace ambrelio::embedded

@@ -4,6 +4,7 @@
 
 #include "ambrelio/engine/embedded/connection.h"
 #include "ambrelio/engine/embedded/database.h"
+#include "ambrelio/engine/embedded/database_file.h"
 #include "ambrelio/engine/embedded/storage/catalogue_store.h"
 #include "ambrelio/engine/embedded/storage/password.h"
 
@@ -18,10 +19,8 @@ Storage::Access AccessOf(bool exclusive, bool read_only) {
 
 }  // namespace
 
-std::shared_ptr<dao::Database> Workspace::Connect(std::unique_ptr<Storage> storage,
-                                                  const std::string& password) const {
+std::shared_ptr<dao::Database> Workspace::Connect(std::unique_ptr<Storage> storage) const {
   auto catalogue = std::make_unique<CatalogueStore>(*storage, kept_);
-  CheckPassword(*catalogue, password);
   catalogue->Current();  // a damaged one is known now
   catalogue->MakeKeptIndexes();
   return std::make_shared<Database>(
@@ -30,19 +29,13 @@ std::shared_ptr<dao::Database> Workspace::Connect(std::unique_ptr<Storage> stora
 
 std::shared_ptr<dao::Database> Workspace::OpenDatabase(const std::string& path, bool exclusive,
                                                        bool read_only, const std::string& connect) {
-  const std::string password = PasswordOf(connect);
-  return Connect(Storage::Open(path, AccessOf(exclusive, read_only)), password);
+  return Connect(OpenFile(path, PasswordOf(connect), AccessOf(exclusive, read_only)));
 }
 
 std::shared_ptr<dao::Database> Workspace::CreateDatabase(const std::string& path,
                                                          const std::string& connect) {
-  const std::string password = PasswordOf(connect);
-  CheckNewPassword(password);
-  auto storage = Storage::Create(path, [&](Storage& fresh) {
-    CatalogueStore catalogue(fresh);
-    SetPassword(catalogue, password);
-  });
-  return Connect(std::move(storage), password);
+  const FileForm form = new_files_ == NewFiles::kByName ? FormByName(path) : FileForm::kOwn;
+  return Connect(CreateFile(path, PasswordOf(connect), form));
 }
 
 }  // namespace ambrelio::embedded

@@ -1,24 +1,28 @@
 #include "ambrelio/engine/jetfile/table_reader.h"
 
+#include <utility>
+
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/long_value.h"
 #include "ambrelio/engine/jetfile/usage_map.h"
 #include "ambrelio/engine/jetfile/values.h"
 
 namespace ambrelio::jetfile {
+
 TableReader::TableReader(const JetFile& file, const TableDefinition& definition)
-    : file_(file),
-      definition_(definition),
-      pages_(ReadUsageMap(file, definition.owned_map).pages) {}
+    : TableReader(file, definition, ReadUsageMap(file, definition.owned_map).pages) {}
+
+TableReader::TableReader(const JetFile& file, const TableDefinition& definition,
+                         std::vector<uint32_t> pages)
+    : file_(file), definition_(definition), pages_(std::move(pages)) {}
 
 bool TableReader::Next() {
   row_.reset();
   for (;;) {
     if (page_ && next_slot_ < page_->slots().size()) {
-      const Slot& slot = page_->slots()[next_slot_];
-      identity_ = {page_->number(), static_cast<uint8_t>(next_slot_++)};
-      if (slot.pointed_to) continue;
-      TakeRow(slot);
+      const auto slot = static_cast<uint8_t>(next_slot_++);
+      if (page_->SlotAt(slot).pointed_to) continue;
+      TakeRow(*page_, {page_->number(), slot});
       return true;
     }
     page_.reset();
@@ -29,15 +33,22 @@ bool TableReader::Next() {
   }
 }
 
-void TableReader::TakeRow(const Slot& slot) {
-  body_ = identity_;
-  body_page_ = page_;
-  if (slot.moved) {
-    body_ = ReadRowPointer(page_->Row(identity_.row), 0);
+void TableReader::MoveTo(RowPointer row) {
+  const DataPage page = ReadTablePage(file_, definition_, row.page);
+  if (page.SlotAt(row.row).pointed_to) throw Damage(page.PlaceOfSlot(row.row), "there is no row");
+  TakeRow(page, row);
+}
+
+void TableReader::TakeRow(const DataPage& page, RowPointer identity) {
+  identity_ = identity;
+  body_ = identity;
+  body_page_ = page;
+  if (page.SlotAt(identity.row).moved) {
+    body_ = ReadRowPointer(page.Row(identity.row), 0);
     body_page_ = ReadTablePage(file_, definition_, body_.page);
     const Slot& target = body_page_->SlotAt(body_.row);
     if (!target.pointed_to || target.deleted()) {
-      throw Damage(page_->PlaceOfSlot(identity_.row), "the row moved to where it is not");
+      throw Damage(page.PlaceOfSlot(identity.row), "the row moved to where it is not");
     }
   }
   row_.emplace(body_page_->Row(body_.row), definition_, file_.format().jet4);

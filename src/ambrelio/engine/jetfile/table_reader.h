@@ -14,10 +14,14 @@ class TableReader {
  public:
   // Both must outlive the reader. Raises Damage.
   TableReader(const JetFile& file, const TableDefinition& definition);
+  // Only the rows whose place is on one of these pages of the table's.
+  TableReader(const JetFile& file, const TableDefinition& definition, std::vector<uint32_t> pages);
 
   // Goes to the next row; false behind the last. Raises Damage, after which the next call goes on
   // behind what is damaged.
   bool Next();
+  // Makes one row current, whatever Next goes on with. Raises Damage when there is none.
+  void MoveTo(RowPointer row);
 
   // Of the current row: where it is to all the world, wherever it may have moved.
   RowPointer identity() const { return identity_; }
@@ -28,7 +32,7 @@ class TableReader {
   Variant Value(const ColumnDefinition& column) const;
 
  private:
-  void TakeRow(const Slot& slot);
+  void TakeRow(const DataPage& page, RowPointer identity);
 
   const JetFile& file_;
   const TableDefinition& definition_;

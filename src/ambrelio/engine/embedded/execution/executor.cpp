@@ -1,5 +1,6 @@
 #include "ambrelio/engine/embedded/execution/executor.h"
 
+#include <optional>
 #include <utility>
 
 #include "ambrelio/dao/errors.h"
@@ -10,6 +11,7 @@
 #include "ambrelio/engine/embedded/execution/stepwise_update.h"
 #include "ambrelio/engine/embedded/sql/lexer.h"
 #include "ambrelio/engine/embedded/sql/parser.h"
+#include "ambrelio/engine/embedded/storage/transaction_level.h"
 
 namespace ambrelio::embedded {
 
@@ -141,6 +143,7 @@ class Executor::Impl {
       return PrepareQuery(sql::Parse(sql), Ground(catalogue, shape), as_snapshot);
     };
     Lease lease = Get(shape, sql, as_snapshot ? Use::kSnapshot : Use::kDynaset, prepare);
+    storage_.Need(lease->touched);
     return OpenRows(storage_, std::move(lease), std::move(shape.literals), std::move(alive));
   }
 
@@ -163,6 +166,16 @@ class Executor::Impl {
   }
 
   int32_t Write(Prepared& prepared, const std::vector<Variant>& literals) {
+    // Commits at its end what goes into another file; SQLite's own commits come by themselves.
+    std::optional<TransactionLevel> level;
+    if (storage_.backed() && storage_.level() == 0) level.emplace(storage_);
+    storage_.Need(prepared.touched);
+    const int32_t written = WriteNow(prepared, literals);
+    if (level) level->Complete();
+    return written;
+  }
+
+  int32_t WriteNow(Prepared& prepared, const std::vector<Variant>& literals) {
     prepared.main.BindAll(literals);
     if (prepared.stepwise) {
       prepared.stepwise->values.BindAll(literals);

@@ -1,5 +1,7 @@
 #include "ambrelio/engine/embedded/execution/preparation.h"
 
+#include <utility>
+
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/binder/binder.h"
 #include "ambrelio/engine/embedded/translator/translator.h"
@@ -60,6 +62,15 @@ Preparation WithPlanOrWithout(const PreparationGround& ground, const Prepare& pr
   return result;
 }
 
+template <class PrepareOn>
+Preparation Prepare(const PreparationGround& ground, const PrepareOn& prepare) {
+  Preparation result;
+  TablesTouched touched =
+      ground.storage.TouchedBy([&] { result = WithPlanOrWithout(ground, prepare); });
+  result.prepared->touched = std::move(touched);
+  return result;
+}
+
 Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGround& ground,
                            bool as_snapshot) {
   Storage& storage = ground.storage;
@@ -110,14 +121,14 @@ Preparation PrepareWriteOn(const sql::Statement& statement, const PreparationGro
 
 Preparation PrepareQuery(const sql::Statement& statement, const PreparationGround& ground,
                          bool as_snapshot) {
-  return WithPlanOrWithout(ground, [&](const PreparationGround& with) {
+  return Prepare(ground, [&](const PreparationGround& with) {
     return PrepareQueryOn(statement, with, as_snapshot);
   });
 }
 
 Preparation PrepareWrite(const sql::Statement& statement, const PreparationGround& ground,
                          bool strict) {
-  return WithPlanOrWithout(ground, [&](const PreparationGround& with) {
+  return Prepare(ground, [&](const PreparationGround& with) {
     return PrepareWriteOn(statement, with, strict);
   });
 }

@@ -44,6 +44,8 @@ struct Prepared {
   };
   std::optional<Stepwise> stepwise;
 
+  TablesTouched touched;
+
   std::string key;  // in the cache
   int64_t version = 0;
 };

@@ -3,36 +3,14 @@
 #include <optional>
 #include <vector>
 
+#include "ambrelio/engine/embedded/storage/transaction_level.h"
+
 namespace ambrelio::embedded {
 
 namespace {
 
 // One id for each source, row after row; nothing where an optional side has no partner.
 using RowIds = std::vector<std::optional<int64_t>>;
-
-// A transaction level of the statement's own, undone unless it is completed.
-class StatementLevel {
- public:
-  explicit StatementLevel(Storage& storage) : storage_(storage) { storage_.Begin(); }
-  ~StatementLevel() {
-    if (complete_) return;
-    try {
-      storage_.Rollback();
-    } catch (...) {
-      // The error that is on its way says more.
-    }
-  }
-  StatementLevel(const StatementLevel&) = delete;
-  StatementLevel& operator=(const StatementLevel&) = delete;
-  void Complete() {
-    storage_.Commit();
-    complete_ = true;
-  }
-
- private:
-  Storage& storage_;
-  bool complete_ = false;
-};
 
 RowIds FindRows(Prepared& prepared) {
   RowIds ids;
@@ -101,12 +79,12 @@ int32_t UpdateStepwise(Storage& storage, Prepared& prepared) {
         ids.size() == prepared.stepwise->source_count && prepared.stepwise->targets.size() == 1;
     if (ids.empty()) return 0;
     if (single_write) return WriteRows(storage, prepared, ids);
-    StatementLevel level(storage);
+    TransactionLevel level(storage);
     const int32_t written = WriteRows(storage, prepared, ids);
     level.Complete();
     return written;
   }
-  StatementLevel level(storage);
+  TransactionLevel level(storage);
   const int32_t written = WriteRows(storage, prepared, FindRows(prepared));
   level.Complete();
   return written;

@@ -10,6 +10,8 @@
 namespace ambrelio::embedded {
 namespace {
 
+constexpr const char* kStamp = "stamp";
+
 void BindValue(StorageStatement& statement, int parameter, std::string_view value) {
   statement.Bind(parameter, Variant(value));
 }
@@ -121,8 +123,10 @@ Catalogue ReadCatalogue(Storage& storage) {
   return catalogue;
 }
 
-int64_t InsertTableRow(Storage& storage, const std::string& name) {
-  return Insert(storage, "insert into \"jet.tables\"(name) values(?)", name);
+void InsertTable(Storage& storage, TableInfo& table) {
+  table.id = Insert(storage, "insert into \"jet.tables\"(name) values(?)", table.name);
+  for (FieldInfo& field : table.fields) field.id = InsertFieldRow(storage, table.id, field);
+  for (IndexInfo& index : table.indexes) index.id = InsertIndexRows(storage, table, index);
 }
 
 int64_t InsertFieldRow(Storage& storage, int64_t table, const FieldInfo& field) {
@@ -189,6 +193,13 @@ void DeleteIndexRows(Storage& storage, int64_t id) {
 
 void DeleteQueryRow(Storage& storage, int64_t id) {
   Write(storage, "delete from \"jet.queries\" where id = ?", id);
+}
+
+std::string ReadStamp(Storage& storage) { return ReadSetting(storage, kStamp); }
+
+void Restamp(Storage& storage) {
+  storage.Run("replace into \"jet.settings\" values(" + QuoteText(kStamp) +
+              ", hex(randomblob(16)))");
 }
 
 std::string ReadSetting(Storage& storage, std::string_view key) {

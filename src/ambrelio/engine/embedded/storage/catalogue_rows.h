@@ -13,8 +13,10 @@ namespace ambrelio::embedded {
 // All of them, as one moment saw them.
 Catalogue ReadCatalogue(Storage& storage);
 
+// All rows of a new table, which gets its ids.
+void InsertTable(Storage& storage, TableInfo& table);
+
 // Each gives the id of the new row.
-int64_t InsertTableRow(Storage& storage, const std::string& name);
 int64_t InsertFieldRow(Storage& storage, int64_t table, const FieldInfo& field);
 // `table` gives the ids of the index's fields.
 int64_t InsertIndexRows(Storage& storage, const TableInfo& table, const IndexInfo& index);
@@ -28,6 +30,11 @@ void DeleteTableRows(Storage& storage, int64_t id);
 void DeleteFieldRow(Storage& storage, int64_t id);
 void DeleteIndexRows(Storage& storage, int64_t id);
 void DeleteQueryRow(Storage& storage, int64_t id);
+
+// Another random text after each change of the catalogue, so that equal stamps always mean equal
+// catalogues, also where a change was undone or another process made one of its own instead.
+std::string ReadStamp(Storage& storage);
+void Restamp(Storage& storage);
 
 // "" when it was never set.
 std::string ReadSetting(Storage& storage, std::string_view key);

@@ -7,15 +7,12 @@
 #include "ambrelio/engine/embedded/storage/catalogue_rows.h"
 #include "ambrelio/engine/embedded/storage/catalogue_rules.h"
 #include "ambrelio/engine/embedded/storage/table_form.h"
+#include "ambrelio/engine/embedded/storage/transaction_level.h"
 
 namespace ambrelio::embedded {
 namespace {
 
 using dao::DaoError;
-
-// Another random value after each change, so that equal stamps always mean equal catalogues, also
-// where a change was undone or another process made one of its own instead.
-constexpr const char* kStamp = "stamp";
 
 // `item`, which is not null when it is there.
 template <class T>
@@ -52,7 +49,7 @@ const Catalogue& CatalogueStore::Reread(bool changed) {
   rollbacks_ = storage_.rollbacks();
   if (loaded_ && (changed || undone)) {
     loaded_ = false;  // should the reading fail
-    loaded_ = ReadSetting(storage_, kStamp) == stamp_;
+    loaded_ = ReadStamp(storage_) == stamp_;
   }
   if (!loaded_) Load();
   return catalogue_;
@@ -62,25 +59,21 @@ void CatalogueStore::Load() {
   loaded_ = false;
   const OneMoment moment(storage_);
   catalogue_ = ReadCatalogue(storage_);
-  stamp_ = ReadSetting(storage_, kStamp);
+  // In memory they are nobody else's, and gone with the tables that another file brings anew.
+  if (storage_.backed()) MakeMissing(storage_, catalogue_, kept_);
+  stamp_ = ReadStamp(storage_);
   ++version_;
   loaded_ = true;
 }
 
 void CatalogueStore::Change(const std::function<void()>& change) {
-  storage_.Begin();
-  try {
-    Current();
-    loaded_ = false;  // until the change is complete
-    change();
-    if (!kept_.empty()) MakeMissing(storage_, ReadCatalogue(storage_), kept_);
-    storage_.Run("replace into \"jet.settings\" values('" + std::string(kStamp) +
-                 "', hex(randomblob(16)))");
-    storage_.Commit();
-  } catch (...) {
-    storage_.Rollback();
-    throw;
-  }
+  TransactionLevel level(storage_);
+  Current();
+  loaded_ = false;  // until the change is complete
+  change();
+  if (!kept_.empty()) MakeMissing(storage_, ReadCatalogue(storage_), kept_);
+  Restamp(storage_);
+  level.Complete();
 }
 
 void CatalogueStore::ChangeTable(std::string_view name,
@@ -88,22 +81,19 @@ void CatalogueStore::ChangeTable(std::string_view name,
   Change([&] {
     const TableInfo before =
         There(catalogue_.FindTable(name), DaoError::kUnknownTable, "DAO.Database", name);
+    storage_.Need({.read = {before.name}, .written = {}});
     change_rows(before);
     Reshape(storage_, before, *ReadCatalogue(storage_).FindTable(before.id));
   });
 }
 
 void CatalogueStore::MakeKeptIndexes() {
-  if (storage_.read_only() || !IsAnyMissing(storage_, Current(), kept_)) return;
+  if (storage_.read_only() || storage_.backed() || !IsAnyMissing(storage_, Current(), kept_))
+    return;
   try {
-    storage_.Begin();
-    try {
-      MakeMissing(storage_, Current(), kept_);
-      storage_.Commit();
-    } catch (...) {
-      storage_.Rollback();
-      throw;
-    }
+    TransactionLevel level(storage_);
+    MakeMissing(storage_, Current(), kept_);
+    level.Complete();
   } catch (const AutomationError&) {
     // Others are writing, or there is no room.
   }
@@ -122,9 +112,7 @@ void CatalogueStore::CreateTable(const TableInfo& table) {
   Change([&] {
     TableInfo made = CheckedTable(table);
     CheckTableNameFree(made.name);
-    made.id = InsertTableRow(storage_, made.name);
-    for (FieldInfo& field : made.fields) field.id = InsertFieldRow(storage_, made.id, field);
-    for (IndexInfo& index : made.indexes) index.id = InsertIndexRows(storage_, made, index);
+    InsertTable(storage_, made);
     CreateStored(storage_, made);
   });
 }

@@ -41,6 +41,11 @@ constexpr int kSimplifyJoin = 0x00002000;
   }
 }
 
+// No name of Jet has a dot, and none begins as SQLite's own tables do.
+bool IsTableOfUsers(std::string_view name) {
+  return name.find('.') == std::string_view::npos && !name.starts_with("sqlite_");
+}
+
 std::string Savepoint(int level) { return "level" + std::to_string(level); }
 
 std::string Quoted(std::string_view text, char quote) {
@@ -71,6 +76,7 @@ Storage::~Storage() {
     sqlite3_reset(rest);
   }
   RollbackAll();
+  backing_.reset();
   sqlite3_commit_hook(db_, nullptr, nullptr);
   sqlite3_rollback_hook(db_, nullptr, nullptr);
   sqlite3_close_v2(db_);
@@ -156,6 +162,54 @@ std::unique_ptr<Storage> Storage::Create(const std::string& path,
   return Open(path, Access::kShared);
 }
 
+std::unique_ptr<Storage> Storage::InMemory(const std::string& path, bool read_only) {
+  std::unique_ptr<Storage> storage(
+      new Storage(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE));
+  storage->path_ = path;
+  storage->Configure(Access::kShared);
+  storage->read_only_ = read_only;
+  storage->Run(kCatalogueSchema);
+  return storage;
+}
+
+void Storage::Back(std::unique_ptr<Backing> backing) {
+  backing_ = std::move(backing);
+  sqlite3_set_authorizer(
+      db_,
+      [](void* self, int action, const char* table, const char*, const char*, const char*) {
+        return static_cast<Storage*>(self)->NoteTable(action, table);
+      },
+      this);
+}
+
+int Storage::NoteTable(int action, const char* table) {
+  if (touched_ == nullptr || table == nullptr) return SQLITE_OK;
+  const bool writes = action == SQLITE_INSERT || action == SQLITE_UPDATE || action == SQLITE_DELETE;
+  const std::string name = table;
+  if ((action != SQLITE_READ && !writes) || !IsTableOfUsers(name)) return SQLITE_OK;
+  touched_->read.insert(name);
+  if (writes) touched_->written.insert(name);
+  // Otherwise a deletion of all rows would not tell which.
+  return action == SQLITE_DELETE ? SQLITE_IGNORE : SQLITE_OK;
+}
+
+TablesTouched Storage::TouchedBy(const std::function<void()>& prepare) {
+  TablesTouched touched;
+  if (backing_) touched_ = &touched;
+  try {
+    prepare();
+  } catch (...) {
+    touched_ = nullptr;
+    throw;
+  }
+  touched_ = nullptr;
+  return touched;
+}
+
+void Storage::Need(const TablesTouched& tables) {
+  if (backing_) backing_->Need(tables);
+}
+
 void Storage::Run(const std::string& sql) {
   if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
     RaiseStorageError(db_, sqlite3_extended_errcode(db_));
@@ -183,6 +237,7 @@ void Storage::Begin() {
     if (level_ > 0) {
       RunKept("savepoint " + Savepoint(level_ + 1));
     } else {
+      if (backing_ && !read_only_) backing_->Lock();
       RunKept(read_only_ ? "begin" : "begin immediate");
     }
   }
@@ -197,6 +252,7 @@ void Storage::Commit() {
   if (level_ > 1) {
     RunKept("release " + Savepoint(level_));
   } else {
+    if (backing_) backing_->Save();
     committing_ = true;
     try {
       RunKept("commit");
@@ -206,7 +262,7 @@ void Storage::Commit() {
     }
     committing_ = false;
   }
-  --level_;
+  if (--level_ == 0 && backing_) backing_->Unlock();
   if (wait_at_end_) WaitForAll();
 }
 
@@ -224,6 +280,10 @@ void Storage::Rollback() {
   }
   ++rollbacks_;  // also of a savepoint, of which no hook tells
   --level_;
+  if (backing_) {
+    backing_->RolledBack();
+    if (level_ == 0) backing_->Unlock();
+  }
   if (wait_at_end_) WaitForAll();
 }
 
@@ -252,9 +312,17 @@ void Storage::RollbackAll() {
   if (level_ == 0) return;
   if (!transaction_lost()) sqlite3_exec(db_, "rollback", nullptr, nullptr, nullptr);
   level_ = 0;
+  if (backing_) backing_->Unlock();
 }
 
-std::optional<LogState> Storage::SharedState() {
+std::optional<LogState> Storage::SharedState() noexcept {
+  if (backing_) {
+    try {
+      return LogState{backing_->StateOfFile()};
+    } catch (...) {
+      return std::nullopt;  // whoever reads next will say why
+    }
+  }
   if (alone_) return LogState{};
   return log_ ? log_->Read() : std::nullopt;
 }
@@ -272,8 +340,17 @@ bool Storage::CatchUp() noexcept {
     if (reading && now != read_state_) SettleReads();
     // Taken before the next reading begins: what that sees is this or newer.
     if (now) read_state_ = *now;
+    if (backing_ && now != looked_at_) RefreshBacking();
   }
   return now && now == looked_at_;
+}
+
+void Storage::RefreshBacking() noexcept {
+  try {
+    backing_->Refresh();
+  } catch (...) {
+    // The next look at the catalogue tries again, and tells.
+  }
 }
 
 bool Storage::IsAsLookedAt() {
@@ -285,6 +362,11 @@ bool Storage::ChangedByOthers() {
   // A transaction that only reads begins with its first question to the file: with this one.
   const bool only_reads = level_ > 0 && read_only_;
   if (CatchUp() && !only_reads) return false;
+  if (backing_) {
+    if (level_ == 0) backing_->Refresh();
+    looked_at_ = SharedState();
+    return true;
+  }
   if (!data_version_query_) {
     data_version_query_ = std::make_unique<StorageStatement>(db_, "pragma data_version");
   }

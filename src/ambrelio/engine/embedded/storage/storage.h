@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ambrelio/engine/embedded/storage/backing.h"
 #include "ambrelio/engine/embedded/storage/log_state.h"
 #include "ambrelio/engine/embedded/storage/open_reads.h"
 #include "ambrelio/value/variant.h"
@@ -62,6 +63,10 @@ class Storage {
   // under its name only once it is complete, with what `fill` wrote into it.
   static std::unique_ptr<Storage> Create(const std::string& path,
                                          const std::function<void(Storage&)>& fill = {});
+  // An empty catalogue in memory, for the file `path` of another format. Back gives it that file,
+  // before it is used.
+  static std::unique_ptr<Storage> InMemory(const std::string& path, bool read_only);
+  void Back(std::unique_ptr<Backing> backing);
   ~Storage();
   Storage(const Storage&) = delete;
   Storage& operator=(const Storage&) = delete;
@@ -69,6 +74,13 @@ class Storage {
   sqlite3* raw() const { return db_; }
   const std::string& path() const { return path_; }
   bool read_only() const { return read_only_; }
+
+  // Whether another file is behind the storage. Then every write belongs into a transaction level.
+  bool backed() const { return backing_ != nullptr; }
+  // The tables of the statements that `prepare` prepares; none where no other file is behind them.
+  TablesTouched TouchedBy(const std::function<void()>& prepare);
+  // Has the tables at hand, as they are in the file; see Backing.
+  void Need(const TablesTouched& tables);
 
   // Runs storage SQL that gives no rows.
   void Run(const std::string& sql);
@@ -124,7 +136,10 @@ class Storage {
   // The same as Run for what is run again and again: prepared once.
   void RunKept(const std::string& sql);
   // Nothing where commits of others cannot be noticed while a read is open.
-  std::optional<LogState> SharedState();
+  std::optional<LogState> SharedState() noexcept;
+  // What SQLite tells of a statement that is being prepared, for TouchedBy.
+  int NoteTable(int action, const char* table);
+  void RefreshBacking() noexcept;
 
   sqlite3* db_ = nullptr;
   std::string path_;
@@ -136,8 +151,10 @@ class Storage {
   std::unique_ptr<StorageStatement> data_version_query_;
   std::map<std::string, StorageStatement> kept_;
   OpenReads reads_;
-  std::optional<LogWatch> log_;  // of a file that has one
-  bool alone_ = false;           // nobody else can write
+  std::unique_ptr<Backing> backing_;
+  TablesTouched* touched_ = nullptr;  // while somebody wants to know
+  std::optional<LogWatch> log_;       // of a file that has one
+  bool alone_ = false;                // nobody else can write
   bool waiting_put_off_ = false;
   bool unwaited_ = false;     // something was committed since
   bool wait_at_end_ = false;  // of the transaction that is open

@@ -66,11 +66,6 @@ int32_t NumberAt(std::string_view header, size_t place) {
 }
 
 void CheckHeader(std::string_view header, const std::string& path) {
-  if (const std::string_view jet = JetFormat(header); !jet.empty()) {
-    throw AutomationError(static_cast<int>(DaoError::kUnrecognisedFormat), kSource,
-                          "This build cannot open files of the format '" + std::string(jet) +
-                              "' yet: '" + path + "'.");
-  }
   if (!header.starts_with(kSqliteMark)) dao::Raise(DaoError::kUnrecognisedFormat, kSource, path);
   if (header.size() < kHeaderSize) dao::Raise(DaoError::kNotADatabaseOrDamaged, kSource, path);
   if (NumberAt(header, kApplicationAt) != kApplicationId ||

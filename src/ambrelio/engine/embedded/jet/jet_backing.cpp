@@ -1,0 +1,269 @@
+#include "ambrelio/engine/embedded/jet/jet_backing.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "ambrelio/dao/errors.h"
+#include "ambrelio/engine/embedded/jet/schema_changes.h"
+#include "ambrelio/engine/embedded/storage/catalogue_rows.h"
+#include "ambrelio/engine/embedded/storage/table_form.h"
+#include "ambrelio/engine/jetfile/header.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+using dao::DaoError;
+
+// Which tables have their rows in the storage. A rollback takes its part of the copied rows with
+// it, and then their entry here too.
+constexpr const char* kCopiedTables = "create table \"jet.copied\"(definition integer primary key)";
+
+std::set<int64_t> CopiedTables(Storage& storage) {
+  std::set<int64_t> copied;
+  StorageStatement row(storage.raw(), "select definition from \"jet.copied\"");
+  while (row.Step()) copied.insert(row.Integer(0));
+  return copied;
+}
+
+void MarkCopied(Storage& storage, uint32_t definition) {
+  storage.Run("insert or ignore into \"jet.copied\" values(" + std::to_string(definition) + ")");
+}
+
+// The counters of all programs but this one, which has the first.
+std::vector<uint16_t> CommitsOfOthers(const jetfile::JetFile& file) {
+  const auto page = file.Read(0);
+  std::vector<uint16_t> commits = jetfile::ParseHeader(jetfile::ViewOf(page, 0)).commits;
+  commits.erase(commits.begin());
+  return commits;
+}
+
+}  // namespace
+
+// What is written in its life comes from the file: nothing of it stays if it is not completed.
+class JetBacking::Copying {
+ public:
+  explicit Copying(JetBacking& backing) : backing_(backing) {
+    backing_.storage_.Run("savepoint \"jet.copying\"");
+    backing_.copying_ = true;
+  }
+  ~Copying() {
+    backing_.copying_ = false;
+    const char* const end = complete_ ? "release \"jet.copying\""
+                                      : "rollback to \"jet.copying\"; release \"jet.copying\"";
+    sqlite3_exec(backing_.storage_.raw(), end, nullptr, nullptr, nullptr);
+  }
+  Copying(const Copying&) = delete;
+  Copying& operator=(const Copying&) = delete;
+  void Complete() { complete_ = true; }
+
+ private:
+  JetBacking& backing_;
+  bool complete_ = false;
+};
+
+JetBacking::JetBacking(Storage& storage, std::unique_ptr<jetfile::SharedFile> file)
+    : storage_(storage), file_(std::move(file)) {
+  storage_.Run(kCopiedTables);
+  const auto moment = file_->Read();
+  file_->ChangedByOthers();
+  commits_ = CommitsOfOthers(pages());
+  Take(ReadJetCatalogue(pages()));
+  sqlite3_update_hook(
+      storage_.raw(),
+      [](void* self, int operation, const char*, const char* table, sqlite3_int64 number) {
+        static_cast<JetBacking*>(self)->Note(operation, table, number);
+      },
+      this);
+}
+
+JetBacking::~JetBacking() { sqlite3_update_hook(storage_.raw(), nullptr, nullptr); }
+
+void JetBacking::Note(int operation, const std::string& table, int64_t number) {
+  if (copying_ || table.find('.') != std::string::npos) return;
+  written_[table].try_emplace(number, operation == SQLITE_INSERT);
+}
+
+Catalogue JetBacking::Now() {
+  return ReadStamp(storage_) == stamp_ ? known_ : ReadCatalogue(storage_);
+}
+
+uint32_t JetBacking::StateOfFile() {
+  if (file_->ChangedByOthers()) {
+    stale_ = true;
+    ++state_;
+  }
+  return state_;
+}
+
+void JetBacking::Refresh() {
+  StateOfFile();
+  if (!stale_) return;
+  storage_.SettleReads();
+  const auto moment = file_->Read();
+  const JetCatalogue catalogue = ReadJetCatalogue(pages());
+  if (DigestOf(catalogue) != digest_) {
+    Take(catalogue);
+  } else {
+    std::vector<uint16_t> commits = CommitsOfOthers(pages());
+    Copying copying(*this);
+    for (auto& [id, table] : tables_) table.Refresh(*known_.FindTable(id), commits != commits_);
+    copying.Complete();
+    commits_ = std::move(commits);
+  }
+  stale_ = false;
+}
+
+void JetBacking::Take(const JetCatalogue& catalogue) {
+  std::set<std::string> copied;
+  for (const auto& [id, table] : tables_) {
+    if (table.loaded()) copied.insert(known_.FindTable(id)->name);
+  }
+  Copying copying(*this);
+  for (const TableInfo& table : known_.tables) {
+    DeleteTableRows(storage_, table.id);
+    storage_.Run("drop table " + QuoteName(table.name));
+  }
+  for (const QueryInfo& query : known_.queries) DeleteQueryRow(storage_, query.id);
+  storage_.Run("delete from \"jet.copied\"");
+  std::map<int64_t, TableCopy> tables;
+  for (TableInfo table : catalogue.catalogue.tables) {
+    InsertTable(storage_, table);
+    CreateStored(storage_, table);
+    tables.emplace(table.id, TableCopy(storage_, pages(), catalogue.definitions.at(table.name)));
+  }
+  for (const QueryInfo& query : catalogue.catalogue.queries) InsertQueryRow(storage_, query);
+  Restamp(storage_);
+  copying.Complete();
+  tables_ = std::move(tables);
+  Agree(ReadCatalogue(storage_));
+  digest_ = DigestOf(catalogue);
+  for (const std::string& name : copied) Load(known_, name);
+}
+
+void JetBacking::Agree(const Catalogue& now) {
+  known_ = now;
+  stamp_ = ReadStamp(storage_);
+}
+
+void JetBacking::Need(const TablesTouched& tables) {
+  if (file_->read_only() && !tables.written.empty()) {
+    dao::Raise(DaoError::kReadOnly, "DAO.Database");
+  }
+  std::vector<std::string> missing;
+  for (const std::string& name : tables.read) {
+    const TableInfo* const table = known_.FindTable(name);
+    if (table == nullptr) continue;  // made or renamed in this transaction, with its rows
+    TableCopy& copy = tables_.at(table->id);
+    if (tables.written.contains(name)) copy.CheckWritable();
+    if (!copy.loaded()) missing.push_back(name);
+  }
+  if (missing.empty()) return;
+  if (storage_.level() == 0) Refresh();
+  const auto moment = file_->Read();
+  const Catalogue now = Now();
+  for (const std::string& name : missing) Load(now, name);
+}
+
+void JetBacking::Load(const Catalogue& catalogue, const std::string& table) {
+  const TableInfo* const found = catalogue.FindTable(table);
+  const auto copy = found == nullptr ? tables_.end() : tables_.find(found->id);
+  if (copy == tables_.end() || copy->second.loaded()) return;
+  Copying copying(*this);
+  copy->second.Load(*found);
+  MarkCopied(storage_, copy->second.definition());
+  copying.Complete();
+}
+
+void JetBacking::Lock() {
+  file_->Lock();
+  try {
+    Refresh();
+  } catch (...) {
+    Unlock();
+    throw;
+  }
+}
+
+void JetBacking::Unlock() noexcept {
+  try {
+    file_->Unlock();
+  } catch (...) {
+    // The turn ends with the process at the latest.
+  }
+}
+
+void JetBacking::RolledBack() {
+  if (storage_.level() == 0) written_.clear();
+  const std::set<int64_t> copied = CopiedTables(storage_);
+  for (auto& [id, table] : tables_) {
+    if (!table.loaded() || copied.contains(table.definition())) continue;
+    table.Lose();
+    const Catalogue now = Now();
+    if (const TableInfo* const info = now.FindTable(id)) Load(now, info->name);
+  }
+}
+
+void JetBacking::Save() {
+  const bool redefined = ReadStamp(storage_) != stamp_;
+  if (!redefined && written_.empty()) return;
+  if (file_->read_only()) dao::Raise(DaoError::kReadOnly, "DAO.Workspace");
+  try {
+    Write(Now(), redefined);
+  } catch (...) {
+    pages().ForgetChanges();
+    throw;
+  }
+  written_.clear();
+}
+
+void JetBacking::Write(const Catalogue& now, bool redefined) {
+  DefinitionPages definitions;
+  for (const auto& [id, table] : tables_) definitions[id] = table.definition();
+  if (redefined) ChangeTables(pages(), known_, now, definitions);
+  std::map<int64_t, TableCopy> made;
+  for (const auto& [id, page] : definitions) {
+    if (!tables_.contains(id)) made.emplace(id, TableCopy(storage_, pages(), page));
+  }
+  for (const TableInfo& table : now.tables) {
+    const auto old = tables_.find(table.id);
+    const WrittenRows rows = WrittenRowsOf(table);
+    if (!rows.empty()) (old != tables_.end() ? old->second : made.at(table.id)).Save(table, rows);
+  }
+  if (redefined) ChangeKeysAndQueries(pages(), known_, now, definitions);
+  const std::map<uint32_t, jetfile::Page> changes = pages().changes();
+  file_->Commit();
+
+  for (auto& [id, table] : made) {
+    table.Saved(changes);
+    MarkCopied(storage_, table.definition());
+  }
+  for (auto& [id, table] : tables_) {
+    if (table.loaded()) table.Saved(changes);
+  }
+  if (!redefined) return;
+  tables_.merge(made);
+  std::erase_if(tables_, [&](const auto& entry) { return !definitions.contains(entry.first); });
+  Agree(now);
+  digest_ = DigestOf(ReadJetCatalogue(pages()));
+}
+
+WrittenRows JetBacking::WrittenRowsOf(const TableInfo& table) const {
+  WrittenRows rows;
+  const auto add = [&](const std::string& name) {
+    if (const auto written = written_.find(name); written != written_.end()) {
+      rows.insert(written->second.begin(), written->second.end());
+    }
+  };
+  const TableInfo* const known = known_.FindTable(table.id);
+  if (known != nullptr) {
+    add(known->name);  // under which it was written before it was renamed
+    if (known->name != table.name) add(table.name);
+  } else {
+    add(table.name);
+    for (auto& [number, is_new] : rows) is_new = true;  // in a table of that name, dropped since
+  }
+  return rows;
+}
+
+}  // namespace ambrelio::embedded

@@ -1,0 +1,71 @@
+// A table of a Jet file as it stands in the storage: its rows, once they were needed, and their way
+// back into the file.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ambrelio/engine/embedded/jet/row_places.h"
+#include "ambrelio/engine/embedded/storage/catalogue.h"
+#include "ambrelio/engine/embedded/storage/storage.h"
+#include "ambrelio/engine/jetfile/jet_file.h"
+#include "ambrelio/engine/jetfile/table_writer.h"
+
+namespace ambrelio::embedded {
+
+// Rows that were written, by their numbers: true for one that the file does not have.
+using WrittenRows = std::map<int64_t, bool>;
+
+class TableCopy {
+ public:
+  // The storage has the table, without rows. Both must outlive the copy. `definition` is the page
+  // of its definition in the file.
+  TableCopy(Storage& storage, jetfile::JetFile& file, uint32_t definition)
+      : storage_(storage), file_(file), definition_(definition) {}
+
+  uint32_t definition() const { return definition_; }
+  bool loaded() const { return loaded_; }
+  // Copies the rows; `table` is the table as the storage has it. Raises Damage, and 3022 or 3058
+  // for rows that break a key of their table.
+  void Load(const TableInfo& table);
+  // The storage has lost the rows.
+  void Lose() { loaded_ = false; }
+  // Copies what others have changed in the file: rows on pages that are not what they were, or all
+  // of them. No row of the table may have been written in the storage since.
+  void Refresh(const TableInfo& table, bool all);
+
+  // Raises an error when the file's table cannot be written.
+  void CheckWritable();
+  // Puts rows that were written in the storage into the pages of the file. Then Saved, when these
+  // pages and all others that changed are on the disk.
+  void Save(const TableInfo& table, const WrittenRows& rows);
+  void Saved(const std::map<uint32_t, jetfile::Page>& changed_pages);
+
+ private:
+  using Hash = uint64_t;
+
+  std::map<uint32_t, Hash> HashPages(const jetfile::TableDefinition& definition);
+  void CopyRows(const TableInfo& table, const jetfile::TableDefinition& definition,
+                const std::vector<uint32_t>& pages);
+  void RemoveRows(const TableInfo& table, const std::vector<uint32_t>& pages);
+  jetfile::TableChanges Changes(const TableInfo& table, const jetfile::TableDefinition& definition,
+                                const WrittenRows& written);
+
+  Storage& storage_;
+  jetfile::JetFile& file_;
+  uint32_t definition_;
+  bool loaded_ = false;
+  RowPlaces places_;
+  std::map<uint32_t, Hash> pages_;  // of rows, as they were copied
+  bool has_moved_rows_ = false;     // or once had
+  bool known_writable_ = false;
+  // Of the last Save.
+  std::vector<int64_t> inserted_;
+  std::vector<jetfile::RowPointer> inserted_places_;
+  std::vector<int64_t> deleted_;
+};
+
+}  // namespace ambrelio::embedded

@@ -1,0 +1,372 @@
+// A Jet file under the engine: everything that is written is in the file when its transaction ends,
+// and the file is sound.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "ambrelio/engine/jetfile/catalogue.h"
+#include "ambrelio/engine/jetfile/checker.h"
+#include "ambrelio/engine/jetfile/table_reader.h"
+#include "engine/jetfile/samples.h"
+#include "support/engine_test.h"
+
+namespace ambrelio::embedded {
+namespace {
+
+using jetfile::JetFile;
+using test::ErrorOf;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class JetDatabase : public test::EngineTest {
+ protected:
+  JetDatabase() { engine_ = OtherEngine(NewFiles::kByName); }
+
+  // What is wrong with the file as it is on the disk.
+  std::vector<std::string> Findings(const std::string& password = "") const {
+    std::vector<std::string> texts;
+    for (const auto& finding : jetfile::Check(JetFile::Open(Path(), password))) {
+      texts.push_back(jetfile::PlaceText(finding.place) + ": " + finding.text);
+    }
+    return texts;
+  }
+
+  static std::vector<std::string> RowsOf(dao::Database& database, const std::string& source) {
+    std::vector<std::string> rows;
+    const auto recordset = database.OpenRecordset(source);
+    for (; !recordset->AtEnd(); recordset->MoveNext()) {
+      std::string row;
+      for (int i = 0; i < recordset->Fields().Count(); ++i) {
+        const Variant value = recordset->Value(i);
+        row += (i > 0 ? "|" : "") + (value.is_null() ? "Null" : ToText(value));
+      }
+      rows.push_back(std::move(row));
+    }
+    return rows;
+  }
+  // The same of the file on the disk, by an engine that opens it now.
+  std::vector<std::string> StoredRows(const std::string& source) {
+    return RowsOf(*OtherEngine()->DefaultWorkspace().OpenDatabase(Path(), false, true, ""), source);
+  }
+
+  void Run(dao::Database& database, const std::string& sql) {
+    database.Execute(sql, dao::kFailOnError);
+  }
+};
+
+TEST_F(JetDatabase, IsMadeWhereTheNameAsksForIt) {
+  Create()->Close();
+  EXPECT_EQ(jetfile::JetFile::Open(Path(), "").page_count(), 16U);
+  EXPECT_THAT(Findings(), IsEmpty());
+  Create("own.sqlite")->Close();
+  EXPECT_EQ(ErrorOf([&] { JetFile::Open(Path("own.sqlite"), ""); }), 3343);
+}
+
+TEST_F(JetDatabase, HasThePasswordItWasGiven) {
+  Create("oliva.mdb", ";pwd=aceite")->Close();
+  EXPECT_EQ(ErrorOf([&] { Open("oliva.mdb", ";pwd=Aceite"); }), 3031);
+  EXPECT_EQ(ErrorOf([&] { Open("oliva.mdb", ";pwd=aceite"); }), 0);
+  EXPECT_THAT(Findings("aceite"), IsEmpty());
+}
+
+TEST_F(JetDatabase, KeepsRowsOfEveryType) {
+  const auto database = Create();
+  Run(*database,
+      "create table Todo (Id long primary key, B bit, Y byte, I short, M money, S single, "
+      "D double, F datetime, T text(20), N memo)");
+  Run(*database,
+      "insert into Todo values (1, True, 200, -5, 12.3456, 1.5, 0.1, #2025-11-03 08:30:00#, "
+      "'Almazara ñandú', 'largo')");
+  Run(*database, "insert into Todo (Id) values (2)");
+  const std::vector<std::string> rows = RowsOf(*database, "Todo");
+  EXPECT_THAT(StoredRows("Todo"), ::testing::ElementsAreArray(rows));
+  EXPECT_EQ(rows[1], "2|False|Null|Null|Null|Null|Null|Null|Null|Null");
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, ChangesAndDeletesRows) {
+  const auto database = Create();
+  AddTanks(*database);
+  for (int i = 1; i <= 300; ++i) AddTank(*database, i);
+  Run(*database, "update Tanques set Litros = Numero * 10 where Numero > 150");
+  Run(*database, "delete from Tanques where Numero < 100 or Numero = 200");
+  EXPECT_THAT(StoredRows("select count(*), sum(Litros), min(Numero) from Tanques"),
+              ElementsAre("200|336250|100"));
+  EXPECT_THAT(Findings(), IsEmpty());
+  Run(*database, "delete from Tanques");
+  EXPECT_THAT(StoredRows("Tanques"), IsEmpty());
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, WritesNothingThatIsRolledBack) {
+  const auto database = Create();
+  AddTanks(*database);
+  AddTank(*database, 1);
+  const std::vector<uint16_t> commits = JetFile::Open(Path(), "").header().commits;
+  workspace().BeginTrans();
+  AddTank(*database, 2);
+  workspace().BeginTrans();
+  AddTank(*database, 3);
+  workspace().Rollback();
+  EXPECT_EQ(CountRows(*database), 2);
+  workspace().Rollback();
+  EXPECT_EQ(CountRows(*database), 1);
+  EXPECT_EQ(JetFile::Open(Path(), "").header().commits, commits);
+}
+
+TEST_F(JetDatabase, CommitsOnlyTheOutermostLevel) {
+  const auto database = Create();
+  AddTanks(*database);
+  workspace().BeginTrans();
+  workspace().BeginTrans();
+  AddTank(*database, 1);
+  workspace().CommitTrans();
+  EXPECT_THAT(StoredRows("Tanques"), IsEmpty());
+  workspace().CommitTrans();
+  EXPECT_THAT(StoredRows("Tanques"), ElementsAre("1|0"));
+}
+
+TEST_F(JetDatabase, HasTheRowsThatWereFirstReadInALevelThatIsRolledBack) {
+  {
+    const auto database = Create();
+    AddTanks(*database);
+    AddTank(*database, 1);
+  }
+  const auto database = Open();
+  workspace().BeginTrans();
+  EXPECT_EQ(CountRows(*database), 1);
+  AddTank(*database, 2);
+  workspace().BeginTrans();
+  AddTank(*database, 3);
+  workspace().Rollback();
+  EXPECT_EQ(CountRows(*database), 2);
+  const auto rows = database->OpenRecordset("select * from Tanques order by Numero");
+  workspace().Rollback();
+  EXPECT_EQ(ToLong(rows->Value("Numero")), 1);
+  EXPECT_EQ(CountRows(*database), 1);
+  AddTank(*database, 2);
+  EXPECT_THAT(StoredRows("Tanques"), ElementsAre("1|0", "2|0"));
+}
+
+TEST_F(JetDatabase, LosesNoRowsOfALevelThatWasCommittedWithinAnother) {
+  {
+    const auto database = Create();
+    AddTanks(*database);
+    AddTank(*database, 1);
+  }
+  const auto database = Open();
+  workspace().BeginTrans();
+  workspace().BeginTrans();
+  AddTank(*database, 2);
+  workspace().CommitTrans();
+  workspace().BeginTrans();
+  AddTank(*database, 3);
+  workspace().Rollback();
+  workspace().CommitTrans();
+  EXPECT_THAT(StoredRows("Tanques"), ElementsAre("1|0", "2|0"));
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, RefusesADuplicateKeyAndWritesNothing) {
+  const auto database = Create();
+  AddTanks(*database);
+  AddTank(*database, 1);
+  EXPECT_EQ(ErrorOf([&] { AddTank(*database, 1); }), 3022);
+  EXPECT_THAT(StoredRows("Tanques"), ElementsAre("1|0"));
+}
+
+TEST_F(JetDatabase, ShowsWhatOthersCommit) {
+  const auto mine = Create();
+  AddTanks(*mine);
+  AddTank(*mine, 1);
+  const auto other_engine = OtherEngine();
+  const auto other = other_engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "");
+  EXPECT_EQ(CountRows(*other), 1);
+  AddTank(*mine, 2);
+  Run(*mine, "update Tanques set Litros = 7 where Numero = 1");
+  EXPECT_THAT(RowsOf(*other, "Tanques"), ElementsAre("1|7", "2|0"));
+  Run(*other, "delete from Tanques where Numero = 1");
+  AddTank(*other, 3);
+  EXPECT_THAT(RowsOf(*mine, "select * from Tanques order by Numero"), ElementsAre("2|0", "3|0"));
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, ShowsTheTablesThatOthersMake) {
+  const auto mine = Create();
+  AddTanks(*mine);
+  const auto other_engine = OtherEngine();
+  const auto other = other_engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "");
+  EXPECT_EQ(CountRows(*other), 0);
+  AddTank(*mine, 1);
+  Run(*mine, "alter table Tanques add column Nombre text(10)");
+  Run(*mine, "create table Otra (Id long)");
+  EXPECT_THAT(RowsOf(*other, "Tanques"), ElementsAre("1|0|Null"));
+  EXPECT_THAT(RowsOf(*other, "Otra"), IsEmpty());
+}
+
+TEST_F(JetDatabase, KeepsARecordsetAsItWasWhileOthersCommit) {
+  const auto mine = Create();
+  AddTanks(*mine);
+  for (int i = 1; i <= 10; ++i) AddTank(*mine, i);
+  const auto other_engine = OtherEngine();
+  const auto other = other_engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "");
+  const auto rows =
+      other->OpenRecordset("select Numero from Tanques", dao::RecordsetType::kSnapshot);
+  EXPECT_EQ(ToLong(rows->Value(0)), 1);
+  Run(*mine, "delete from Tanques");
+  EXPECT_EQ(CountRows(*other), 0);
+  int count = 0;
+  for (; !rows->AtEnd(); rows->MoveNext()) ++count;
+  EXPECT_EQ(count, 10);
+}
+
+TEST_F(JetDatabase, TakesAWholeSchemaInOneTransaction) {
+  const auto database = Create();
+  workspace().BeginTrans();
+  AddTanks(*database);
+  AddTank(*database, 1);
+  Run(*database, "alter table Tanques add column Nombre text(10)");
+  Run(*database, "update Tanques set Nombre = 'Uno'");
+  Run(*database, "create unique index nombre on Tanques (Nombre)");
+  database->TableDefs().Item("Tanques")->SetName("Depositos");
+  Run(*database, "insert into Depositos values (2, 5, 'Dos')");
+  database->CreateQueryDef("Llenos", "select Numero from Depositos where Litros > 0");
+  workspace().CommitTrans();
+  EXPECT_THAT(StoredRows("Depositos"), ElementsAre("1|0|Uno", "2|5|Dos"));
+  EXPECT_THAT(StoredRows("Llenos"), ElementsAre("2"));
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, DropsWhatIsDropped) {
+  const auto database = Create();
+  AddTanks(*database);
+  AddTank(*database, 1);
+  Run(*database, "create table Otra (Id long, Fuera text(5))");
+  Run(*database, "alter table Otra drop column Fuera");
+  database->CreateQueryDef("Todo", "select * from Tanques");
+  Run(*database, "drop index [key] on Tanques");
+  EXPECT_THAT(Findings(), IsEmpty());
+  database->QueryDefs().Delete("Todo");
+  Run(*database, "drop table Tanques");
+  EXPECT_THAT(Findings(), IsEmpty());
+  const auto stored = OtherEngine()->DefaultWorkspace().OpenDatabase(Path(), false, true, "");
+  EXPECT_EQ(stored->TableDefs().Count(), 1);
+  EXPECT_EQ(stored->QueryDefs().Count(), 0);
+  EXPECT_EQ(stored->TableDefs().Item(0)->Fields().Count(), 1);
+}
+
+TEST_F(JetDatabase, ReplacesATableByAnotherOfItsNameInOneTransaction) {
+  const auto database = Create();
+  AddTanks(*database);
+  AddTank(*database, 1);
+  workspace().BeginTrans();
+  Run(*database, "update Tanques set Litros = 5");
+  Run(*database, "drop table Tanques");
+  AddTanks(*database);
+  AddTank(*database, 9);
+  workspace().CommitTrans();
+  EXPECT_THAT(StoredRows("Tanques"), ElementsAre("9|0"));
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, KeepsTheRulesOfFields) {
+  {
+    const auto database = Create();
+    const auto table = database->CreateTableDef("Reglas");
+    const auto field = table->CreateField("Nombre", dao::FieldType::kText, 30);
+    field->SetRequired(true);
+    field->SetAllowZeroLength(true);
+    field->SetDefaultValue("\"Uno\"");
+    table->Fields().Append(field);
+    database->TableDefs().Append(table);
+  }
+  const auto database = Open();
+  const auto field = database->TableDefs().Item("Reglas")->Fields().Item("Nombre");
+  EXPECT_TRUE(field->Required());
+  EXPECT_TRUE(field->AllowZeroLength());
+  EXPECT_EQ(field->DefaultValue(), "\"Uno\"");
+  EXPECT_EQ(field->Size(), 30);
+  field->SetRequired(false);
+  EXPECT_FALSE(Open()->TableDefs().Item("Reglas")->Fields().Item("Nombre")->Required());
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(JetDatabase, IsNotWrittenWhenItIsOpenedForReading) {
+  {
+    const auto database = Create();
+    AddTanks(*database);
+  }
+  const auto database = workspace().OpenDatabase(Path(), false, true, "");
+  EXPECT_EQ(ErrorOf([&] { AddTank(*database, 1); }), 3027);
+  EXPECT_EQ(ErrorOf([&] { Run(*database, "create table Otra (Id long)"); }), 3027);
+  EXPECT_EQ(CountRows(*database), 0);
+}
+
+// Every sample, through the engine.
+class JetSample : public test::EngineTest, public ::testing::WithParamInterface<jetfile::Sample> {
+ protected:
+  JetSample() : file_(JetFile::Open(jetfile::SamplePath(GetParam().name), GetParam().password)) {
+    engine_ = OtherEngine(NewFiles::kByName);
+    std::filesystem::copy_file(jetfile::SamplePath(GetParam().name), Path());
+    std::filesystem::permissions(Path(), std::filesystem::perms::owner_all);
+  }
+  DatabasePtr OpenSample(bool read_only) {
+    return workspace().OpenDatabase(Path(), false, read_only,
+                                    std::string(";pwd=") + GetParam().password);
+  }
+
+  JetFile file_;
+};
+
+TEST_P(JetSample, ShowsTheRowsAsTheyAreStored) {
+  const auto database = OpenSample(true);
+  const jetfile::Catalogue catalogue = ReadCatalogue(file_);
+  for (const auto* object : catalogue.UserObjects(jetfile::ObjectType::kTable)) {
+    const auto definition = ReadDefinition(file_, object->definition_page());
+    jetfile::TableReader stored(file_, definition);
+    const auto rows = database->OpenRecordset("select * from [" + object->name + "]");
+    for (; stored.Next(); rows->MoveNext()) {
+      ASSERT_FALSE(rows->AtEnd()) << object->name;
+      for (int i = 0; i < rows->Fields().Count(); ++i) {
+        const std::string name = rows->Fields().Item(i)->Name();
+        EXPECT_EQ(rows->Value(i), stored.Value(*definition.FindColumn(name)))
+            << object->name << "." << name;
+      }
+    }
+    EXPECT_TRUE(rows->AtEnd()) << object->name;
+  }
+}
+
+TEST_P(JetSample, IsSoundAfterItsRowsWereWritten) {
+  if (!GetParam().jet4) {
+    EXPECT_EQ(ErrorOf([&] { OpenSample(false)->Execute("create table Nueva (Id long)"); }), 3027);
+    return;
+  }
+  const auto database = OpenSample(false);
+  for (int i = 0; i < database->TableDefs().Count(); ++i) {
+    const std::string table = "[" + database->TableDefs().Item(i)->Name() + "]";
+    const int32_t count = CountRows(*database, database->TableDefs().Item(i)->Name());
+    workspace().BeginTrans();
+    if (ErrorOf([&] { database->Execute("delete from " + table, dao::kFailOnError); }) != 0) {
+      workspace().Rollback();  // an index of another language
+      continue;
+    }
+    workspace().CommitTrans();
+    EXPECT_EQ(database->RecordsAffected(), count);
+  }
+  database->Execute("create table [Nueva tabla ñ] (Id long primary key, Texto text(30))");
+  database->Execute("insert into [Nueva tabla ñ] values (1, 'Peña')");
+  for (const auto& finding : jetfile::Check(JetFile::Open(Path(), GetParam().password))) {
+    ADD_FAILURE() << jetfile::PlaceText(finding.place) << ": " << finding.text;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, JetSample, ::testing::ValuesIn(jetfile::Samples()),
+                         [](const auto& info) {
+                           std::string name = info.param.name;
+                           std::erase_if(name, [](char c) { return c == '-' || c == '_'; });
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace ambrelio::embedded
