@@ -8,14 +8,11 @@
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::jetfile {
-namespace {
 
 void RequirePage(uint32_t number, uint32_t count) {
   if (number < count) return;
   throw Damage({number, 0}, "the file has " + std::to_string(count) + " pages only");
 }
-
-}  // namespace
 
 DiskPages::DiskPages(const std::string& path, size_t page_size)
     : path_(path), page_size_(page_size), file_(OpenFile(path)) {

@@ -28,6 +28,9 @@ class PageFile {
   virtual Page Read(uint32_t number) const = 0;
 };
 
+// Raises Damage unless a file of `count` pages has page `number`.
+void RequirePage(uint32_t number, uint32_t count);
+
 // A file on disk, read page by page.
 class DiskPages : public PageFile {
  public:
