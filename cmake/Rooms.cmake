@@ -26,6 +26,7 @@ function(ambrelio_room folder)
   ambrelio_keep_this_system(sources)
   add_library(room_${name} STATIC ${sources})
   target_include_directories(room_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+  target_compile_options(room_${name} PRIVATE ${AMBRELIO_FUZZED})
   target_link_libraries(room_${name} PRIVATE $<BUILD_INTERFACE:ambrelio_warnings>
                         PUBLIC ${ROOM_LINKS})
   foreach(known IN LISTS ROOM_KNOWS)
