@@ -54,8 +54,8 @@ function(ambrelio_room_tests folder)
     # The presets of this system optimise what they make to be used; a test runs once.
     target_compile_options(${name}_tests PRIVATE -O0)
   endif()
-  if(CMAKE_CROSSCOMPILING)
-    # Each start under Wine costs more than most tests: a program is one test of CTest's.
+  if(CMAKE_CROSSCOMPILING OR NOT AMBRELIO_TESTS_ONE_BY_ONE)
+    # Each start under Wine or the sanitizers costs more than most tests.
     add_test(NAME ${folder} COMMAND ${name}_tests --gtest_brief=1)
     set_tests_properties(${folder} PROPERTIES TIMEOUT 600)
   else()
