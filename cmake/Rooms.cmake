@@ -36,6 +36,23 @@ function(ambrelio_room folder)
   set_property(GLOBAL APPEND PROPERTY AMBRELIO_ROOMS room_${name})
 endfunction()
 
+# How tests are compiled: the presets for Windows optimise what they make to be used, but a test runs
+# once; and what they do themselves is no undefined behaviour of the library's.
+if(WIN32)
+  set(AMBRELIO_TEST_OPTIONS -O0)
+elseif(AMBRELIO_SANITIZE)
+  set(AMBRELIO_TEST_OPTIONS -fno-sanitize=undefined)
+endif()
+
+# The test framework costs more to read than most tests: it is read once.
+function(ambrelio_read_test_framework)
+  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/test_framework.cpp" "")
+  add_executable(test_framework EXCLUDE_FROM_ALL "${CMAKE_CURRENT_BINARY_DIR}/test_framework.cpp")
+  target_link_libraries(test_framework PRIVATE ambrelio_warnings GTest::gmock_main)
+  target_compile_options(test_framework PRIVATE ${AMBRELIO_TEST_OPTIONS})
+  target_precompile_headers(test_framework PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+endfunction()
+
 # The tests of one room: every tests/<folder>/*_test.cpp, in one program named <room>_tests.
 #
 #   ambrelio_room_tests(<folder> [LINKS <library>...])
@@ -48,12 +65,8 @@ function(ambrelio_room_tests folder)
   target_include_directories(${name}_tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name}_tests PRIVATE ambrelio_warnings ${TESTS_LINKS} GTest::gmock_main)
   target_compile_definitions(${name}_tests PRIVATE AMBRELIO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  # The test framework costs more to read than most tests.
-  target_precompile_headers(${name}_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-  if(WIN32)
-    # The presets of this system optimise what they make to be used; a test runs once.
-    target_compile_options(${name}_tests PRIVATE -O0)
-  endif()
+  target_compile_options(${name}_tests PRIVATE ${AMBRELIO_TEST_OPTIONS})
+  target_precompile_headers(${name}_tests REUSE_FROM test_framework)
   if(CMAKE_CROSSCOMPILING OR NOT AMBRELIO_TESTS_ONE_BY_ONE)
     # Each start under Wine or the sanitizers costs more than most tests.
     add_test(NAME ${folder} COMMAND ${name}_tests --gtest_brief=1)
