@@ -76,3 +76,13 @@ function(ambrelio_room_tests folder)
                          PROPERTIES TIMEOUT 300)
   endif()
 endfunction()
+
+# The tests of a room once more, over Jet files (tests/support/test_files.h), as one test of CTest's.
+#
+#   ambrelio_room_tests_over_jet(<folder> [<filter of GoogleTest>])
+function(ambrelio_room_tests_over_jet folder)
+  string(REPLACE "/" "_" name "${folder}")
+  add_test(NAME "${folder} over jet" COMMAND ${name}_tests --gtest_brief=1 --gtest_filter=${ARGN})
+  set_tests_properties("${folder} over jet" PROPERTIES TIMEOUT 900
+                       ENVIRONMENT AMBRELIO_TEST_FILES=jet)
+endfunction()

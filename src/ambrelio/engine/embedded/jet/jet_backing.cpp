@@ -9,6 +9,7 @@
 #include "ambrelio/engine/embedded/storage/catalogue_rows.h"
 #include "ambrelio/engine/embedded/storage/table_form.h"
 #include "ambrelio/engine/jetfile/header.h"
+#include "ambrelio/platform/clock.h"
 
 namespace ambrelio::embedded {
 namespace {
@@ -77,7 +78,14 @@ JetBacking::JetBacking(Storage& storage, std::unique_ptr<jetfile::SharedFile> fi
       this);
 }
 
-JetBacking::~JetBacking() { sqlite3_update_hook(storage_.raw(), nullptr, nullptr); }
+JetBacking::~JetBacking() {
+  sqlite3_update_hook(storage_.raw(), nullptr, nullptr);
+  try {
+    SaveAll();
+  } catch (...) {
+    // Nobody is there to be told.
+  }
+}
 
 void JetBacking::Note(int operation, const std::string& table, int64_t number) {
   if (copying_ || table.find('.') != std::string::npos) return;
@@ -176,6 +184,7 @@ void JetBacking::Load(const Catalogue& catalogue, const std::string& table) {
 }
 
 void JetBacking::Lock() {
+  if (owing_) return;
   file_->Lock();
   try {
     Refresh();
@@ -186,6 +195,7 @@ void JetBacking::Lock() {
 }
 
 void JetBacking::Unlock() noexcept {
+  if (owing_) return;
   try {
     file_->Unlock();
   } catch (...) {
@@ -208,19 +218,38 @@ void JetBacking::Save() {
   const bool redefined = ReadStamp(storage_) != stamp_;
   if (!redefined && written_.empty()) return;
   if (file_->read_only()) dao::Raise(DaoError::kReadOnly, "DAO.Workspace");
+  const std::map<uint32_t, jetfile::Page> before = pages().changes();
   try {
     Write(Now(), redefined);
   } catch (...) {
     pages().ForgetChanges();
+    for (const auto& [number, page] : before) pages().Write(number, *page);
     throw;
   }
   written_.clear();
 }
 
+void JetBacking::SaveAll() {
+  put_off_ = false;
+  if (!std::exchange(owing_, false)) return;
+  try {
+    file_->Commit();
+  } catch (...) {
+    // The storage has what the file has not.
+    stale_ = true;
+    ++state_;
+    digest_.clear();
+    Unlock();
+    throw;
+  }
+  Unlock();
+}
+
 void JetBacking::Write(const Catalogue& now, bool redefined) {
   DefinitionPages definitions;
   for (const auto& [id, table] : tables_) definitions[id] = table.definition();
-  if (redefined) ChangeTables(pages(), known_, now, definitions);
+  SchemaChanges changes_of_schema(pages(), known_, now, Clock::Current().Now());
+  if (redefined) changes_of_schema.BeforeRows(definitions);
   std::map<int64_t, TableCopy> made;
   for (const auto& [id, page] : definitions) {
     if (!tables_.contains(id)) made.emplace(id, TableCopy(storage_, pages(), page));
@@ -230,9 +259,13 @@ void JetBacking::Write(const Catalogue& now, bool redefined) {
     const WrittenRows rows = WrittenRowsOf(table);
     if (!rows.empty()) (old != tables_.end() ? old->second : made.at(table.id)).Save(table, rows);
   }
-  if (redefined) ChangeKeysAndQueries(pages(), known_, now, definitions);
+  if (redefined) changes_of_schema.AfterRows(definitions);
   const std::map<uint32_t, jetfile::Page> changes = pages().changes();
-  file_->Commit();
+  if (put_off_) {
+    owing_ = true;
+  } else {
+    file_->Commit();
+  }
 
   for (auto& [id, table] : made) {
     table.Saved(changes);

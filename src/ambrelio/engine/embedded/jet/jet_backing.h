@@ -30,6 +30,8 @@ class JetBacking final : public Backing {
   void Need(const TablesTouched& tables) override;
   void Lock() override;
   void Save() override;
+  void PutOffSaving() override { put_off_ = true; }
+  void SaveAll() override;
   void RolledBack() override;
   void Unlock() noexcept override;
 
@@ -54,6 +56,8 @@ class JetBacking final : public Backing {
   uint32_t state_ = 0;
   bool stale_ = false;             // others have committed since the last Refresh
   bool copying_ = false;           // what is written in the storage now comes from the file
+  bool put_off_ = false;           // see PutOffSaving
+  bool owing_ = false;             // what was saved is not in the file yet, and the turn is kept
   std::vector<uint16_t> commits_;  // that other programs had counted in the file
 
   // What storage and file agreed on last: the catalogue, its stamp in the storage, its digest in

@@ -3,8 +3,12 @@
 #include <vector>
 
 #include "ambrelio/engine/embedded/jet/query_parts.h"
-#include "ambrelio/engine/jetfile/schema_writer.h"
+#include "ambrelio/engine/jetfile/column_rules.h"
+#include "ambrelio/engine/jetfile/column_schema.h"
+#include "ambrelio/engine/jetfile/index_schema.h"
+#include "ambrelio/engine/jetfile/query_schema.h"
 #include "ambrelio/engine/jetfile/table_definition.h"
+#include "ambrelio/engine/jetfile/table_schema.h"
 
 namespace ambrelio::embedded {
 namespace {
@@ -34,87 +38,90 @@ NewIndex IndexOf(const IndexInfo& index) {
   return made;
 }
 
-uint16_t NumberOf(const JetFile& file, uint32_t page, const std::string& column) {
-  return jetfile::ReadDefinition(file, page).FindColumn(column)->number;
+bool SameRules(const FieldInfo& a, const FieldInfo& b) {
+  return a.required == b.required && a.allow_zero_length == b.allow_zero_length &&
+         a.default_value == b.default_value;
 }
 
-void DropParts(JetFile& file, uint32_t page, const TableInfo& before, const TableInfo& after) {
-  for (const IndexInfo& index : before.indexes) {
-    if (after.FindIndex(index.id) == nullptr) jetfile::DropIndex(file, page, index.name);
-  }
-  for (const FieldInfo& field : before.fields) {
-    if (after.FindField(field.id) != nullptr) continue;
-    jetfile::DropColumn(file, page, NumberOf(file, page, field.name));
-  }
-}
-
-void ChangeColumns(JetFile& file, uint32_t page, const TableInfo& before, const TableInfo& after) {
-  for (const FieldInfo& field : after.fields) {
-    const FieldInfo* const old = before.FindField(field.id);
-    if (old == nullptr) {
-      jetfile::AddColumn(file, page, ColumnOf(field));
-    } else if (old->name != field.name || old->position != field.position) {
-      jetfile::ChangeColumn(file, page, NumberOf(file, page, old->name), field.name,
-                            static_cast<uint16_t>(field.position));
-    }
-  }
-}
-
-void ChangeRules(JetFile& file, uint32_t page, const TableInfo& before, const TableInfo& after) {
-  const auto rules = [](const FieldInfo& field) {
-    return jetfile::ColumnRules{field.required, field.allow_zero_length, field.default_value};
-  };
-  for (const FieldInfo& field : after.fields) {
-    const FieldInfo* const old = before.FindField(field.id);
-    const jetfile::ColumnRules was = old == nullptr ? jetfile::ColumnRules{} : rules(*old);
-    if (rules(field) != was) jetfile::SetRules(file, page, field.name, rules(field));
-  }
+bool SameQuery(const QueryInfo* a, const QueryInfo& b) {
+  return a != nullptr && a->name == b.name && a->sql == b.sql;
 }
 
 }  // namespace
 
-void ChangeTables(JetFile& file, const Catalogue& before, const Catalogue& after,
-                  DefinitionPages& pages) {
-  for (const QueryInfo& query : before.queries) {
-    const QueryInfo* const now = after.FindQuery(query.id);
-    const bool same = now != nullptr && now->name == query.name && now->sql == query.sql;
-    if (!same) jetfile::DropQuery(file, query.name);
+uint16_t SchemaChanges::NumberOf(uint32_t page, const std::string& column) const {
+  return jetfile::ReadDefinition(file_, page).FindColumn(column)->number;
+}
+
+void SchemaChanges::BeforeRows(DefinitionPages& pages) {
+  for (const QueryInfo& query : before_.queries) {
+    if (!SameQuery(after_.FindQuery(query.id), query)) jetfile::DropQuery(file_, query.name);
   }
-  for (const TableInfo& table : before.tables) {
-    if (after.FindTable(table.id) != nullptr) continue;
-    jetfile::DropTable(file, pages.at(table.id));
+  for (const TableInfo& table : before_.tables) {
+    if (after_.FindTable(table.id) != nullptr) continue;
+    jetfile::DropTable(file_, pages.at(table.id));
     pages.erase(table.id);
   }
-  for (const TableInfo& table : after.tables) {
-    const TableInfo* const old = before.FindTable(table.id);
+  for (const TableInfo& table : after_.tables) {
+    const TableInfo* const old = before_.FindTable(table.id);
     if (old == nullptr) {
       std::vector<NewColumn> columns;
       for (const FieldInfo& field : table.fields) columns.push_back(ColumnOf(field));
-      pages[table.id] = jetfile::CreateTable(file, table.name, columns, {});
+      pages[table.id] = jetfile::CreateTable(file_, table.name, columns, {}, now_);
       continue;
     }
     const uint32_t page = pages.at(table.id);
-    if (old->name != table.name) jetfile::RenameTable(file, page, table.name);
-    DropParts(file, page, *old, table);
-    ChangeColumns(file, page, *old, table);
+    if (old->name != table.name) jetfile::RenameTable(file_, page, table.name, now_);
+    DropParts(page, *old, table);
+    ChangeColumns(page, *old, table);
   }
 }
 
-void ChangeKeysAndQueries(JetFile& file, const Catalogue& before, const Catalogue& after,
-                          const DefinitionPages& pages) {
-  for (const TableInfo& table : after.tables) {
-    const TableInfo* const known = before.FindTable(table.id);
-    const TableInfo& old = known == nullptr ? TableInfo{} : *known;
+void SchemaChanges::AfterRows(const DefinitionPages& pages) {
+  for (const TableInfo& table : after_.tables) {
+    const TableInfo* const known = before_.FindTable(table.id);
+    const TableInfo old = known == nullptr ? TableInfo{} : *known;
     const uint32_t page = pages.at(table.id);
-    ChangeRules(file, page, old, table);
+    ChangeRules(page, old, table);
     for (const IndexInfo& index : table.indexes) {
-      if (old.FindIndex(index.id) == nullptr) jetfile::CreateIndex(file, page, IndexOf(index));
+      if (old.FindIndex(index.id) != nullptr) continue;
+      jetfile::CreateIndex(file_, page, IndexOf(index), now_);
     }
   }
-  for (const QueryInfo& query : after.queries) {
-    const QueryInfo* const old = before.FindQuery(query.id);
-    const bool same = old != nullptr && old->name == query.name && old->sql == query.sql;
-    if (!same) jetfile::CreateQuery(file, query.name, QueryParts(query.sql));
+  for (const QueryInfo& query : after_.queries) {
+    if (SameQuery(before_.FindQuery(query.id), query)) continue;
+    jetfile::CreateQuery(file_, query.name, jet::QueryParts(query.sql), now_);
+  }
+}
+
+void SchemaChanges::DropParts(uint32_t page, const TableInfo& before, const TableInfo& after) {
+  for (const IndexInfo& index : before.indexes) {
+    if (after.FindIndex(index.id) == nullptr) jetfile::DropIndex(file_, page, index.name, now_);
+  }
+  for (const FieldInfo& field : before.fields) {
+    if (after.FindField(field.id) != nullptr) continue;
+    jetfile::DropColumn(file_, page, NumberOf(page, field.name), now_);
+  }
+}
+
+void SchemaChanges::ChangeColumns(uint32_t page, const TableInfo& before, const TableInfo& after) {
+  for (const FieldInfo& field : after.fields) {
+    const FieldInfo* const old = before.FindField(field.id);
+    if (old == nullptr) {
+      jetfile::AddColumn(file_, page, ColumnOf(field), now_);
+    } else if (old->name != field.name || old->position != field.position) {
+      jetfile::ChangeColumn(file_, page, NumberOf(page, old->name), field.name,
+                            static_cast<uint16_t>(field.position), now_);
+    }
+  }
+}
+
+void SchemaChanges::ChangeRules(uint32_t page, const TableInfo& before, const TableInfo& after) {
+  for (const FieldInfo& field : after.fields) {
+    const FieldInfo* const old = before.FindField(field.id);
+    if (SameRules(old == nullptr ? FieldInfo{} : *old, field)) continue;
+    jetfile::SetRules(file_, page, field.name,
+                      {field.required, field.allow_zero_length, field.default_value}, now_);
   }
 }
 

@@ -170,7 +170,7 @@ jetfile::TableChanges TableCopy::Changes(const TableInfo& table, const TableDefi
                                            std::string(RowIdName(table)) + " = ?1");
   TableReader stored(file_, definition, {});
   // What the file holds stays as it is where the storage still shows it, and where it never did.
-  const auto values = [&](bool is_stored) {
+  const auto values_of_row = [&](bool is_stored) {
     std::vector<Variant> values;
     size_t next = 0;
     for (const ColumnDefinition& column : definition.columns) {
@@ -191,11 +191,11 @@ jetfile::TableChanges TableCopy::Changes(const TableInfo& table, const TableDefi
     const bool is_there = row.Step();
     const RowPointer place = places_.PlaceOf(number);
     if (is_new && is_there) {
-      changes.inserted.push_back(values(false));
+      changes.inserted.push_back(values_of_row(false));
       inserted_.push_back(number);
     } else if (!is_new && is_there) {
       stored.MoveTo(place);
-      changes.updated.emplace_back(place, values(true));
+      changes.updated.emplace_back(place, values_of_row(true));
     } else if (!is_new) {
       changes.deleted.push_back(place);
       deleted_.push_back(number);

@@ -288,8 +288,12 @@ void Storage::Rollback() {
 }
 
 void Storage::PutOffWaiting() {
-  if (waiting_put_off_ || level_ > 0 || !log_ || read_only_) return;
-  Run("pragma synchronous = normal");
+  if (waiting_put_off_ || level_ > 0 || (!log_ && !backing_) || read_only_) return;
+  if (backing_) {
+    backing_->PutOffSaving();
+  } else {
+    Run("pragma synchronous = normal");
+  }
   waiting_put_off_ = true;
 }
 
@@ -298,6 +302,10 @@ void Storage::WaitForAll() {
   // An error has left a transaction open, and SQLite changes the setting in none.
   wait_at_end_ = level_ > 0;
   if (wait_at_end_) return;
+  if (backing_) {
+    waiting_put_off_ = false;
+    return backing_->SaveAll();
+  }
   Run("pragma synchronous = full");
   waiting_put_off_ = false;
   if (!std::exchange(unwaited_, false)) return;
