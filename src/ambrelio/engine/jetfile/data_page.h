@@ -19,6 +19,20 @@ struct Slot {
   bool deleted() const { return pointed_to && moved; }
 };
 
+// Where a data page keeps what, beyond what the Format says.
+struct DataPageLayout {
+  static constexpr size_t kFreeBytesAt = 2;
+  static constexpr size_t kOwnerAt = 4;
+  static constexpr size_t kJet4StampAt = 8;
+  static constexpr uint16_t kStartBits = 0x1FFF;
+  static constexpr uint16_t kMovedBit = 0x4000;
+  static constexpr uint16_t kPointedToBit = 0x8000;
+};
+
+// Raises Damage when a page has no such slot.
+const Slot& SlotOf(const std::vector<Slot>& slots, uint32_t page, uint8_t row,
+                   const Format& format);
+
 class DataPage {
  public:
   // Raises Damage when the page is no data page or its slots do not lie within it.

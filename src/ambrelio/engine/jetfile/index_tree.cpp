@@ -7,9 +7,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kFreeBytesAt = 2;
-constexpr size_t kTableAt = 4;
-
 uint32_t BigEndian(std::span<const uint8_t> bytes) {
   uint32_t number = 0;
   for (const uint8_t byte : bytes) number = number << 8 | byte;
@@ -90,6 +87,13 @@ std::vector<uint32_t> IndexPage::Children() const {
   return children;
 }
 
+Bytes BytesOfEntry(const IndexEntry& entry) {
+  Bytes bytes = entry.key;
+  for (const int shift : {16, 8, 0}) bytes.push_back(static_cast<uint8_t>(entry.row.page >> shift));
+  bytes.push_back(entry.row.row);
+  return bytes;
+}
+
 IndexPage ReadIndexPage(const JetFile& file, uint32_t number) {
   const Format& format = file.format();
   const Page bytes = file.Read(number);
@@ -101,8 +105,8 @@ IndexPage ReadIndexPage(const JetFile& file, uint32_t number) {
   IndexPage page;
   page.number = number;
   page.leaf = type == PageType::kIndexLeaf;
-  page.free_bytes = view.U16(kFreeBytesAt);
-  page.table = view.U32(kTableAt);
+  page.free_bytes = view.U16(IndexPage::kFreeBytesAt);
+  page.table = view.U32(IndexPage::kTableAt);
   page.previous = view.U32(format.previous_at);
   page.next = view.U32(format.previous_at + 4);
   page.tail = view.U32(format.previous_at + 8);

@@ -21,6 +21,8 @@ struct IndexEntry {
 // A page of an index, its entries taken out of their shared prefix.
 struct IndexPage {
   static constexpr size_t kPointerBytes = 4;
+  static constexpr size_t kFreeBytesAt = 2;
+  static constexpr size_t kTableAt = 4;
 
   uint32_t number = 0;
   bool leaf = true;
@@ -42,6 +44,9 @@ struct IndexPage {
   // A node's children, the tail included if there is one.
   std::vector<uint32_t> Children() const;
 };
+
+// What a leaf keeps of an entry.
+Bytes BytesOfEntry(const IndexEntry& entry);
 
 // Raises Damage.
 IndexPage ReadIndexPage(const JetFile& file, uint32_t number);

@@ -8,13 +8,7 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr uint32_t kLengthBits = 0x3FFFFFFF;
-constexpr uint32_t kInlineBit = 0x80000000;
-constexpr uint32_t kOneRowBit = 0x40000000;
-constexpr size_t kPointerAt = 4;
-constexpr size_t kStampAt = 8;
-constexpr size_t kInlineAt = 12;
-constexpr size_t kNextBytes = 4;
+using Layout = LongValueLayout;
 
 DataPage LongValuePage(const JetFile& file, RowPointer row) {
   DataPage page(file.Read(row.page), row.page, file.format());
@@ -53,7 +47,7 @@ void ReadChain(const JetFile& file, const LongValueDefinition& definition, LongV
     }
     value.rows.push_back(next);
     next = ReadRowPointer(row, 0);
-    const ByteView data = row.From(kNextBytes);
+    const ByteView data = row.From(Layout::kNextBytes);
     const size_t wanted = std::min(data.size(), definition.length - value.bytes.size());
     Append(value.bytes, data.Part(0, wanted).bytes());
   }
@@ -65,14 +59,15 @@ LongValueDefinition ParseLongValue(ByteView bytes) {
   LongValueDefinition definition;
   if (bytes.empty()) return definition;
   const uint32_t bits = bytes.U32(0);
-  definition.length = bits & kLengthBits;
-  if ((bits & kInlineBit) != 0) {
-    definition.inline_bytes = bytes.Part(kInlineAt, definition.length);
+  definition.length = bits & Layout::kLengthBits;
+  if ((bits & Layout::kInlineBit) != 0) {
+    definition.inline_bytes = bytes.Part(Layout::kInlineAt, definition.length);
     return definition;
   }
-  definition.kind = (bits & kOneRowBit) != 0 ? LongValueKind::kOneRow : LongValueKind::kChain;
-  definition.first = ReadRowPointer(bytes, kPointerAt);
-  definition.stamp = bytes.U32(kStampAt);
+  definition.kind =
+      (bits & Layout::kOneRowBit) != 0 ? LongValueKind::kOneRow : LongValueKind::kChain;
+  definition.first = ReadRowPointer(bytes, Layout::kPointerAt);
+  definition.stamp = bytes.U32(Layout::kStampAt);
   return definition;
 }
 

@@ -9,6 +9,17 @@ namespace ambrelio::jetfile {
 
 enum class LongValueKind : uint8_t { kInline, kOneRow, kChain };
 
+// Where a row keeps what of a long value.
+struct LongValueLayout {
+  static constexpr uint32_t kLengthBits = 0x3FFFFFFF;
+  static constexpr uint32_t kInlineBit = 0x80000000;
+  static constexpr uint32_t kOneRowBit = 0x40000000;
+  static constexpr size_t kPointerAt = 4;
+  static constexpr size_t kStampAt = 8;
+  static constexpr size_t kInlineAt = 12;
+  static constexpr size_t kNextBytes = 4;  // of a row of a chain
+};
+
 // What a row holds of a long value.
 struct LongValueDefinition {
   LongValueKind kind = LongValueKind::kInline;

@@ -18,7 +18,7 @@ bool TableReader::Next() {
       const Slot& slot = page_->slots()[next_slot_];
       identity_ = {page_->number(), static_cast<uint8_t>(next_slot_++)};
       if (slot.pointed_to) continue;
-      TakeRow(slot);
+      TakeRow();
       return true;
     }
     page_.reset();
@@ -29,17 +29,10 @@ bool TableReader::Next() {
   }
 }
 
-void TableReader::TakeRow(const Slot& slot) {
-  body_ = identity_;
-  body_page_ = page_;
-  if (slot.moved) {
-    body_ = ReadRowPointer(page_->Row(identity_.row), 0);
-    body_page_ = ReadTablePage(file_, definition_, body_.page);
-    const Slot& target = body_page_->SlotAt(body_.row);
-    if (!target.pointed_to || target.deleted()) {
-      throw Damage(page_->PlaceOfSlot(identity_.row), "the row moved to where it is not");
-    }
-  }
+void TableReader::TakeRow() {
+  RowBody body = FollowRow(file_, definition_, *page_, identity_.row);
+  body_ = body.at;
+  body_page_ = std::move(body.page);
   row_.emplace(body_page_->Row(body_.row), definition_, file_.format().jet4);
 }
 
@@ -54,6 +47,29 @@ DataPage ReadTablePage(const JetFile& file, const TableDefinition& definition, u
                                 std::to_string(definition.page()) + " is expected here");
   }
   return data;
+}
+
+RowBody FollowRow(const JetFile& file, const TableDefinition& definition, const DataPage& head,
+                  uint8_t row) {
+  if (!head.SlotAt(row).moved) return {head, {head.number(), row}};
+  const RowPointer at = ReadRowPointer(head.Row(row), 0);
+  DataPage page = ReadTablePage(file, definition, at.page);
+  const Slot& target = page.SlotAt(at.row);
+  if (!target.pointed_to || target.deleted()) {
+    throw Damage(head.PlaceOfSlot(row), "the row moved to where it is not");
+  }
+  return {std::move(page), at};
+}
+
+std::optional<RowBody> FindRow(const JetFile& file, const TableDefinition& definition,
+                               RowPointer row) {
+  if (row.page >= file.page_count()) return std::nullopt;
+  const Page bytes = file.Read(row.page);
+  if (ViewOf(bytes, row.page).U16(0) != static_cast<uint16_t>(PageType::kData)) return std::nullopt;
+  const DataPage page(bytes, row.page, file.format());
+  if (page.owner() != definition.page() || row.row >= page.slots().size()) return std::nullopt;
+  if (page.SlotAt(row.row).pointed_to) return std::nullopt;
+  return FollowRow(file, definition, page, row.row);
 }
 
 Variant ReadValue(const JetFile& file, const Row& row, const ColumnDefinition& column) {

@@ -28,7 +28,7 @@ class TableReader {
   Variant Value(const ColumnDefinition& column) const;
 
  private:
-  void TakeRow(const Slot& slot);
+  void TakeRow();
 
   const JetFile& file_;
   const TableDefinition& definition_;
@@ -44,6 +44,20 @@ class TableReader {
 
 // A data page of a table: raises Damage when it is another's.
 DataPage ReadTablePage(const JetFile& file, const TableDefinition& definition, uint32_t page);
+
+// Where the bytes of a row are: in its own place, or where it moved to.
+struct RowBody {
+  DataPage page;
+  RowPointer at;
+};
+
+// Of a row in a slot of `head`, which must be one of its own and not deleted. Raises Damage.
+RowBody FollowRow(const JetFile& file, const TableDefinition& definition, const DataPage& head,
+                  uint8_t row);
+
+// The same of a row by its pointer; nothing when it is not there any more, whatever there is now.
+std::optional<RowBody> FindRow(const JetFile& file, const TableDefinition& definition,
+                               RowPointer row);
 
 // The value of a column of any row.
 Variant ReadValue(const JetFile& file, const Row& row, const ColumnDefinition& column);

@@ -1,6 +1,7 @@
 #include "ambrelio/engine/jetfile/usage_map.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/data_page.h"
@@ -8,40 +9,55 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr uint8_t kInline = 0;
-constexpr uint8_t kByReference = 1;
-constexpr size_t kStartAt = 1;
-constexpr size_t kInlineBitsAt = 5;
-constexpr size_t kPointersAt = 1;
-constexpr size_t kBitmapBitsAt = 4;
+using Layout = UsageMapLayout;
 
-void AddBits(UsageMap& map, ByteView bits, uint64_t first, uint32_t page_count) {
+// Is shown a page, and says whether it wants to see more.
+using Visit = std::function<bool(uint64_t page)>;
+
+bool VisitBits(ByteView bits, uint64_t first, const Visit& visit) {
   for (size_t i = 0; i < bits.size(); ++i) {
     const uint8_t byte = bits.U8(i);
     for (uint32_t bit = 0; byte >> bit != 0; ++bit) {
-      if ((byte >> bit & 1) == 0) continue;
-      const uint64_t page = first + 8 * i + bit;
-      if (page < page_count) {
-        map.pages.push_back(static_cast<uint32_t>(page));
-      } else {
-        ++map.beyond_end;
-      }
+      if ((byte >> bit & 1) != 0 && !visit(first + 8 * i + bit)) return false;
     }
+  }
+  return true;
+}
+
+bool VisitInline(ByteView row, const Visit& visit) {
+  return VisitBits(row.From(Layout::kInlineBitsAt), row.U32(Layout::kStartAt), visit);
+}
+
+void VisitReferences(const JetFile& file, ByteView row, std::vector<uint32_t>& bitmap_pages,
+                     const Visit& visit) {
+  const uint64_t covered = Layout::PagesOfBitmap(file.format());
+  for (size_t at = Layout::kPointersAt; at + 4 <= row.size(); at += 4) {
+    const uint32_t number = row.U32(at);
+    if (number == 0) continue;
+    const Page page = ReadBitmapPage(file, number);
+    bitmap_pages.push_back(number);
+    const uint64_t first = covered * ((at - Layout::kPointersAt) / 4);
+    if (!VisitBits(ViewOf(page, number).From(Layout::kBitmapBitsAt), first, visit)) return;
   }
 }
 
-void AddReferences(UsageMap& map, ByteView row, const JetFile& file) {
-  const uint64_t covered = 8 * (file.format().page_size - kBitmapBitsAt);
-  for (size_t at = kPointersAt; at + 4 <= row.size(); at += 4) {
-    const uint32_t number = row.U32(at);
-    if (number == 0) continue;
-    const Page page = file.Read(number);
-    const ByteView view = ViewOf(page, number);
-    if (view.U16(0) != static_cast<uint16_t>(PageType::kUsageBitmap)) {
-      throw Damage({number, 0}, "a usage bitmap is expected here");
-    }
-    map.bitmap_pages.push_back(number);
-    AddBits(map, view.From(kBitmapBitsAt), covered * ((at - kPointersAt) / 4), file.page_count());
+void VisitMap(const JetFile& file, RowPointer row, std::vector<uint32_t>& bitmap_pages,
+              const Visit& visit) {
+  if (row.none()) return;
+  const DataPage page(file.Read(row.page), row.page, file.format());
+  if (page.SlotAt(row.row).deleted()) {
+    throw Damage(page.PlaceOfSlot(row.row), "a usage map that is in use was deleted");
+  }
+  const ByteView bytes = page.Row(row.row);
+  switch (bytes.U8(0)) {
+    case Layout::kInline:
+      VisitInline(bytes, visit);
+      break;
+    case Layout::kByReference:
+      VisitReferences(file, bytes, bitmap_pages, visit);
+      break;
+    default:
+      throw Damage(bytes.PlaceOf(0), "a usage map is expected here");
   }
 }
 
@@ -53,23 +69,42 @@ bool UsageMap::Contains(uint32_t page) const {
 
 UsageMap ReadUsageMap(const JetFile& file, RowPointer row) {
   UsageMap map;
-  if (row.none()) return map;
-  const DataPage page(file.Read(row.page), row.page, file.format());
-  if (page.SlotAt(row.row).deleted()) {
-    throw Damage(page.PlaceOfSlot(row.row), "a usage map that is in use was deleted");
-  }
-  const ByteView bytes = page.Row(row.row);
-  switch (bytes.U8(0)) {
-    case kInline:
-      AddBits(map, bytes.From(kInlineBitsAt), bytes.U32(kStartAt), file.page_count());
-      break;
-    case kByReference:
-      AddReferences(map, bytes, file);
-      break;
-    default:
-      throw Damage(bytes.PlaceOf(0), "a usage map is expected here");
-  }
+  VisitMap(file, row, map.bitmap_pages, [&](uint64_t page) {
+    if (page < file.page_count()) {
+      map.pages.push_back(static_cast<uint32_t>(page));
+    } else {
+      ++map.beyond_end;
+    }
+    return true;
+  });
   return map;
+}
+
+std::optional<uint32_t> FirstPageOf(const JetFile& file, RowPointer row) {
+  std::optional<uint32_t> first;
+  std::vector<uint32_t> bitmap_pages;
+  VisitMap(file, row, bitmap_pages, [&](uint64_t page) {
+    if (page < file.page_count()) first = static_cast<uint32_t>(page);
+    return false;
+  });
+  return first;
+}
+
+std::vector<uint32_t> PagesOfInlineMap(ByteView row) {
+  std::vector<uint32_t> pages;
+  VisitInline(row, [&pages](uint64_t page) {
+    pages.push_back(static_cast<uint32_t>(page));
+    return true;
+  });
+  return pages;
+}
+
+Page ReadBitmapPage(const JetFile& file, uint32_t number) {
+  Page page = file.Read(number);
+  if (ViewOf(page, number).U16(0) != static_cast<uint16_t>(PageType::kUsageBitmap)) {
+    throw Damage({number, 0}, "a usage bitmap is expected here");
+  }
+  return page;
 }
 
 }  // namespace ambrelio::jetfile

@@ -1,0 +1,55 @@
+// Changing the tree of an index.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "ambrelio/engine/jetfile/index_pages.h"
+
+namespace ambrelio::jetfile {
+
+// One tree, for the changes of one commit. Its root keeps its page for ever. What raises may have
+// changed a part of it.
+class IndexWriter {
+ public:
+  // The file must outlive the writer. `table_page` is that of the table's definition.
+  IndexWriter(JetFile& file, uint32_t table_page, const IndexDefinition& index)
+      : pages_(file, table_page, index.map), root_(index.root) {}
+
+  // Raises Damage when the entry is there already.
+  void Insert(const IndexEntry& entry);
+  // Raises Damage when the entry is not there.
+  void Remove(const IndexEntry& entry);
+  // Whether there is an entry of exactly this key. Raises Damage.
+  bool Contains(std::span<const uint8_t> key) const;
+  // Fills an index that is empty, its leaves to the brim.
+  void Build(std::vector<IndexEntry> entries);
+
+ private:
+  // Changes the entries of the leaf where `entry` belongs; says whether it did.
+  using Change = std::function<void(IndexPage& leaf)>;
+
+  void ChangeTree(const Bytes& entry, const Change& change);
+  IndexItems ChangeBelow(const Bytes& at, const Bytes& entry, const Change& change, int depth);
+  IndexItems ChangeLeaf(const Bytes& at, const Change& change);
+  IndexItems ReplaceChild(const Bytes& at, size_t position, IndexItems now);
+  IndexItems DropNode(IndexPage node);
+  void GiveAwayOnlyChild(IndexItems& children, size_t position);
+  IndexItems Store(IndexPage page, IndexItems items, bool append);
+  bool HasOneChild(uint32_t number) const;
+  void GrowRoot(IndexItems children);
+  void ShrinkRoot();
+  IndexItems BuildLevel(IndexItems items, bool leaf);
+
+  IndexPages pages_;
+  uint32_t root_;
+};
+
+// A page that is an empty index, added to its map.
+uint32_t NewIndexRoot(JetFile& file, uint32_t table_page, RowPointer map);
+
+// Gives all pages of an index back, and empties its map.
+void FreeIndexPages(JetFile& file, const IndexDefinition& index);
+
+}  // namespace ambrelio::jetfile
