@@ -15,6 +15,7 @@ struct Sentence {
 // In ascending order of the numbers.
 constexpr std::array kSentences = {
     Sentence{DaoError::kReserved, "Data access error. %"},
+    Sentence{DaoError::kInvalidArgument, "Invalid argument: %"},
     Sentence{DaoError::kTooManyTransactions, "Too many transactions are nested; five is the most."},
     Sentence{DaoError::kInvalidDatabaseName, "'%' is not a valid database name."},
     Sentence{DaoError::kTableLocked, "The table '%' is in use and cannot be locked."},
@@ -103,6 +104,8 @@ constexpr std::array kSentences = {
     Sentence{DaoError::kFixedAfterAppend,
              "The property cannot be set once the object is part of a collection: '%'."},
     Sentence{DaoError::kFieldInIndex, "The field '%' is part of an index and cannot be deleted."},
+    Sentence{DaoError::kInRelationship,
+             "'%' is used in a relationship and cannot be deleted."},
     Sentence{DaoError::kPrimaryKeyExists, "The table '%' already has a primary key."},
     Sentence{DaoError::kIndexExists, "The index '%' already exists."},
     Sentence{DaoError::kDefinitionSyntax, "Syntax error in the create table statement near '%'."},

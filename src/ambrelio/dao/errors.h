@@ -9,6 +9,7 @@ namespace ambrelio::dao {
 
 enum class DaoError : int {
   kReserved = 3000,  // what has no number of its own
+  kInvalidArgument = 3001,
   kTooManyTransactions = 3003,
   kInvalidDatabaseName = 3005,
   kTableLocked = 3008,
@@ -77,6 +78,7 @@ enum class DaoError : int {
   kAlreadyAppended = 3266,
   kFixedAfterAppend = 3268,
   kFieldInIndex = 3280,
+  kInRelationship = 3281,
   kPrimaryKeyExists = 3283,
   kIndexExists = 3284,
   kDefinitionSyntax = 3290,

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "ambrelio/engine/jetfile/damage.h"
+#include "ambrelio/engine/jetfile/query_kinds.h"
 #include "ambrelio/platform/characters.h"
 
 namespace ambrelio::jetfile {
@@ -12,11 +13,13 @@ namespace {
 
 // The words that a plain name must not be.
 constexpr auto kReserved = std::to_array<std::string_view>(
-    {"ALL",   "AND",    "AS",    "BETWEEN", "BY",     "CREATE", "DELETE", "DISTINCT",
-     "DROP",  "EXISTS", "FALSE", "FROM",    "GROUP",  "HAVING", "IN",     "INDEX",
-     "INNER", "INSERT", "INTO",  "IS",      "JOIN",   "LEFT",   "LIKE",   "NOT",
-     "NULL",  "ON",     "OR",    "ORDER",   "RIGHT",  "SELECT", "SET",    "TABLE",
-     "TOP",   "TRUE",   "UNION", "UPDATE",  "VALUES", "WHERE",  "WITH"});
+    {"ALL",        "ALTER",  "AND",    "ANY",   "AS",       "ASC",         "BETWEEN", "BY",
+     "CONSTRAINT", "CREATE", "DELETE", "DESC",  "DISTINCT", "DISTINCTROW", "DROP",    "EQV",
+     "EXISTS",     "FALSE",  "FROM",   "GROUP", "HAVING",   "IMP",         "IN",      "INDEX",
+     "INNER",      "INSERT", "INTO",   "IS",    "JOIN",     "LEFT",        "LIKE",    "MOD",
+     "NOT",        "NULL",   "ON",     "OR",    "ORDER",    "PRIMARY",     "RIGHT",   "SELECT",
+     "SET",        "SOME",   "TABLE",  "TOP",   "TRUE",     "UNION",       "UNIQUE",  "UPDATE",
+     "VALUES",     "WHERE",  "WITH",   "XOR"});
 
 bool IsPlain(const std::string& name) {
   const auto is_letter = [](char c) {
@@ -52,17 +55,15 @@ std::string InputText(const QueryRow& input) {
 }
 
 const char* JoinWord(const QueryRow& join) {
-  switch (join.flag) {
-    case 1:
+  switch (static_cast<QueryJoin>(join.flag)) {
+    case QueryJoin::kInner:
       return " INNER JOIN ";
-    case 2:
+    case QueryJoin::kLeft:
       return " LEFT JOIN ";
-    case 3:
+    case QueryJoin::kRight:
       return " RIGHT JOIN ";
-    default:
-      throw Damage({join.row.page, 0},
-                   "a query joins in the unknown way " + std::to_string(join.flag));
   }
+  throw Damage({join.row.page, 0}, "a query joins in the unknown way " + std::to_string(join.flag));
 }
 
 bool SamePair(const QueryRow& a, const QueryRow& b) {

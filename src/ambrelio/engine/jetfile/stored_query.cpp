@@ -5,64 +5,18 @@
 
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/query_joins.h"
+#include "ambrelio/engine/jetfile/query_kinds.h"
 #include "ambrelio/engine/jetfile/system_table.h"
 
 namespace ambrelio::jetfile {
 namespace {
 
-enum class Kind : int16_t {
-  kSelect = 1,
-  kMakeTable = 2,
-  kAppend = 3,
-  kUpdate = 4,
-  kDelete = 5,
-  kCrosstab = 6,
-  kDataDefinition = 7,
-  kPassThrough = 8,
-  kUnion = 9,
-};
-
-constexpr int16_t kAllColumns = 1;  // options
-constexpr int16_t kDistinct = 2;    // of a union: that each row comes once
-constexpr int16_t kOwnerAccess = 4;
-constexpr int16_t kDistinctRow = 8;
-constexpr int16_t kTop = 16;
-constexpr int16_t kPercent = 32;
-constexpr int16_t kHeading = 1;  // roles of a crosstab's columns
-constexpr int16_t kRow = 2;
 constexpr const char* kLineEnd = "\r\n";
 
-const char* ParameterType(int16_t type) {
-  switch (type) {
-    case 1:
-      return "Bit";
-    case 2:
-      return "Byte";
-    case 3:
-      return "Short";
-    case 4:
-      return "Long";
-    case 5:
-      return "Currency";
-    case 6:
-      return "IEEESingle";
-    case 7:
-      return "IEEEDouble";
-    case 8:
-      return "DateTime";
-    case 9:
-      return "Binary";
-    case 10:
-      return "Text";
-    case 11:
-      return "LongBinary";
-    case 12:
-      return "LongText";
-    case 15:
-      return "Guid";
-    default:
-      return "Value";
-  }
+std::string ParameterWord(int16_t flag) {
+  const auto found = std::find_if(kParameterTypes.begin(), kParameterTypes.end(),
+                                  [flag](const ParameterType& type) { return type.flag == flag; });
+  return std::string(found == kParameterTypes.end() ? kParameterTypes[0].word : found->word);
 }
 
 std::string WithoutEnd(std::string text) {
@@ -73,28 +27,28 @@ std::string WithoutEnd(std::string text) {
 class Statement {
  public:
   explicit Statement(const std::vector<QueryRow>& rows) : rows_(rows) {
-    if (const QueryRow* kind = First(QueryPart::kKind)) kind_ = static_cast<Kind>(kind->flag);
+    if (const QueryRow* kind = First(QueryPart::kKind)) kind_ = static_cast<QueryKind>(kind->flag);
     if (const QueryRow* options = First(QueryPart::kOptions)) options_ = options->flag;
   }
 
   std::string Text() const {
     switch (kind_) {
-      case Kind::kDataDefinition:
-      case Kind::kPassThrough:
+      case QueryKind::kDataDefinition:
+      case QueryKind::kPassThrough:
         return Stored();
-      case Kind::kUnion:
+      case QueryKind::kUnion:
         return Parameters() + Union() + OrderBy() + End();
-      case Kind::kSelect:
+      case QueryKind::kSelect:
         return Parameters() + Select() + Rest() + End();
-      case Kind::kMakeTable:
+      case QueryKind::kMakeTable:
         return Parameters() + Select() + " INTO " + SqlName(Target()) + Rest() + End();
-      case Kind::kAppend:
+      case QueryKind::kAppend:
         return Parameters() + Append() + Rest() + End();
-      case Kind::kDelete:
+      case QueryKind::kDelete:
         return Parameters() + "DELETE " + Predicate() + Outputs(kAny) + Rest() + End();
-      case Kind::kUpdate:
+      case QueryKind::kUpdate:
         return Parameters() + Update() + Clause("WHERE ", QueryPart::kWhere) + End();
-      case Kind::kCrosstab:
+      case QueryKind::kCrosstab:
         return Parameters() + Crosstab() + End();
     }
     throw Damage({First(QueryPart::kKind)->row.page, 0},
@@ -128,23 +82,24 @@ class Statement {
     std::string text;
     for (const QueryRow* row : All(QueryPart::kParameter)) {
       text += (text.empty() ? "PARAMETERS " : ", ") + SqlName(row->name1) + ' ' +
-              ParameterType(row->flag);
+              ParameterWord(row->flag);
     }
     return text.empty() ? text : text + ';' + kLineEnd;
   }
 
   std::string Predicate() const {
     std::string text;
-    if (Option(kDistinct)) text += "DISTINCT ";
-    if (Option(kDistinctRow)) text += "DISTINCTROW ";
-    if (Option(kTop)) {
-      text += "TOP " + First(QueryPart::kOptions)->name1 + (Option(kPercent) ? " PERCENT " : " ");
+    if (Option(QueryOption::kDistinct)) text += "DISTINCT ";
+    if (Option(QueryOption::kDistinctRow)) text += "DISTINCTROW ";
+    if (Option(QueryOption::kTop)) {
+      text += "TOP " + First(QueryPart::kOptions)->name1 +
+              (Option(QueryOption::kPercent) ? " PERCENT " : " ");
     }
     return text;
   }
 
   std::string Outputs(int16_t role) const {
-    std::string text = Option(kAllColumns) ? "*" : "";
+    std::string text = Option(QueryOption::kAllColumns) ? "*" : "";
     for (const QueryRow* row : All(QueryPart::kOutput)) {
       if (role != kAny && row->flag != role) continue;
       text += (text.empty() ? "" : ", ") + row->expression;
@@ -175,14 +130,14 @@ class Statement {
   }
 
   std::string Crosstab() const {
-    return "TRANSFORM " + Outputs(0) + kLineEnd + "SELECT " + Outputs(kRow) + From() +
-           Clause("WHERE ", QueryPart::kWhere) + GroupBy(kRow) +
-           Clause("HAVING ", QueryPart::kHaving) + OrderBy() + kLineEnd + "PIVOT " +
-           Outputs(kHeading);
+    return "TRANSFORM " + Outputs(CrosstabRole::kValue) + kLineEnd + "SELECT " +
+           Outputs(CrosstabRole::kRow) + From() + Clause("WHERE ", QueryPart::kWhere) +
+           GroupBy(CrosstabRole::kRow) + Clause("HAVING ", QueryPart::kHaving) + OrderBy() +
+           kLineEnd + "PIVOT " + Outputs(CrosstabRole::kHeading);
   }
 
   std::string Union() const {
-    const std::string word = Option(kDistinct) ? "UNION " : "UNION ALL ";
+    const std::string word = Option(QueryOption::kDistinct) ? "UNION " : "UNION ALL ";
     std::string text;
     for (const QueryRow* row : All(QueryPart::kInput)) {
       if (!text.empty()) text += kLineEnd + word;
@@ -231,11 +186,12 @@ class Statement {
   }
 
   std::string End() const {
-    return std::string(Option(kOwnerAccess) ? "\r\nWITH OWNERACCESS OPTION" : "") + ';' + kLineEnd;
+    return std::string(Option(QueryOption::kOwnerAccess) ? "\r\nWITH OWNERACCESS OPTION" : "") +
+           ';' + kLineEnd;
   }
 
   const std::vector<QueryRow>& rows_;
-  Kind kind_ = Kind::kSelect;
+  QueryKind kind_ = QueryKind::kSelect;
   int16_t options_ = 0;
 };
 
