@@ -42,6 +42,7 @@ void AddColumn(JetFile& file, TableDefinition& table, const MadeColumn& made) {
   column.variable_index = table.variable_mark;
   column.length = made.length;
   column.flags = kUpdatable;
+  if (made.autonumber) column.flags |= ColumnDefinition::kAutonumber;
   if (const uint16_t length = FixedLength(made.type); length > 0) {
     column.flags |= ColumnDefinition::kFixed;
     column.length = length;

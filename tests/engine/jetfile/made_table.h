@@ -14,6 +14,7 @@ struct MadeColumn {
   ColumnType type = ColumnType::kLong;
   uint16_t length = 0;  // bytes, of what has no size of its own
   uint8_t extra_flags = 0;
+  bool autonumber = false;
 };
 
 // An index over columns by their places in the list.
