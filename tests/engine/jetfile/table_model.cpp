@@ -40,13 +40,12 @@ std::string CheckText(const JetFile& file) {
   return text;
 }
 
-Bytes StoredBytes(const JetFile& file) {
-  Bytes bytes;
-  const auto changes = file.StoredChanges();
+Bytes StoredBytes(JetFile& file) {
   for (uint32_t number = 0; number < file.page_count(); ++number) {
-    const auto change = changes.find(number);
-    Append(bytes, change != changes.end() ? *change->second : *file.Read(number));
+    file.Write(number, *file.Read(number));
   }
+  Bytes bytes;
+  for (const auto& [number, page] : file.StoredChanges()) Append(bytes, *page);
   return bytes;
 }
 

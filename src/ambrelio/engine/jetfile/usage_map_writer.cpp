@@ -69,9 +69,9 @@ class MapExtension {
   void Reach(uint32_t number) {
     DataPageEditor page(file_, map_.page);
     if (page.Row(map_.row).U8(0) == Layout::kInline) {
-      std::vector<uint32_t> pages = PagesOfInlineMap(page.Row(map_.row));
-      const size_t size = page.Row(map_.row).size() - Layout::kInlineBitsAt;
-      if (const auto row = InlineRow(pages, number, size); page.CanReplace(map_.row, row.size())) {
+      const std::vector<uint32_t> pages = PagesOfInlineMap(page.Row(map_.row));
+      if (const Bytes row = InlineRow(pages, number, page.Row(map_.row));
+          page.CanReplace(map_.row, row.size())) {
         page.Replace(map_.row, row);
         page.Save(file_);
         return;
@@ -85,22 +85,27 @@ class MapExtension {
   // Of the pages to come, the map of free pages has the bits set.
   bool IsToCome(uint64_t page) const { return global_ && page >= file_.page_count(); }
 
-  // A row of at least `size` bytes of bits that has `pages`, and reaches `number`.
-  Bytes InlineRow(const std::vector<uint32_t>& pages, uint32_t number, size_t size) const {
-    const auto [least, most] = std::minmax_element(pages.begin(), pages.end());
-    const uint32_t lowest = pages.empty() ? number : std::min(number, *least);
-    const uint32_t highest = pages.empty() ? number : std::max(number, *most);
-    const uint32_t start = lowest / 8 * 8;
-    const size_t needed = (highest - start) / 8 + 1;
-    Bytes row{Layout::kInline};
-    Append(row, start, sizeof start);
-    row.resize(row.size() + std::max(size, (needed + kStep - 1) / kStep * kStep));
-    const std::span<uint8_t> bits = std::span(row).subspan(Layout::kInlineBitsAt);
-    for (const uint32_t page : pages) SetBit(bits, page - start);
+  // A row of at least `size` bytes of bits that has `pages`, and reaches `number`. An owner's map
+  // moves along with its pages; that of free pages goes on from where it starts.
+  Bytes InlineRow(std::vector<uint32_t> pages, uint32_t number, ByteView row) const {
+    pages.push_back(global_ ? std::min(number, row.U32(Layout::kStartAt)) : number);
+    const auto [lowest, highest] = std::minmax_element(pages.begin(), pages.end());
+    const uint32_t start = *lowest / 8 * 8;
+    const size_t needed = (std::max(*highest, number) - start) / 8 + 1;
+    const size_t size = row.size() - Layout::kInlineBitsAt;
+    Bytes wider{Layout::kInline};
+    Append(wider, start, sizeof start);
+    wider.resize(wider.size() + std::max(size, (needed + kStep - 1) / kStep * kStep));
+    pages.pop_back();
+    SetBits(std::span(wider).subspan(Layout::kInlineBitsAt), start, pages);
+    return wider;
+  }
+
+  void SetBits(std::span<uint8_t> bits, uint64_t first, const std::vector<uint32_t>& pages) const {
+    for (const uint32_t page : pages) SetBit(bits, page - first);
     for (size_t bit = 0; bit < 8 * bits.size(); ++bit) {
-      if (IsToCome(uint64_t{start} + bit)) SetBit(bits, bit);
+      if (IsToCome(first + bit)) SetBit(bits, bit);
     }
-    return row;
   }
 
   void MoveToBitmaps(DataPageEditor& page, const std::vector<uint32_t>& pages) {
@@ -121,12 +126,7 @@ class MapExtension {
     const uint32_t number = global_ ? AppendPage(file_) : AllocatePage(file_);
     Bytes bitmap(file_.format().page_size);
     Put(bitmap, 0, static_cast<uint16_t>(PageType::kUsageBitmap), sizeof(uint16_t));
-    const std::span<uint8_t> bits = std::span(bitmap).subspan(Layout::kBitmapBitsAt);
-    const uint64_t first = uint64_t{index} * covered_;
-    for (const uint32_t page : pages) SetBit(bits, page - first);
-    for (size_t bit = 0; bit < 8 * bits.size(); ++bit) {
-      if (IsToCome(first + bit)) SetBit(bits, bit);
-    }
+    SetBits(std::span(bitmap).subspan(Layout::kBitmapBitsAt), uint64_t{index} * covered_, pages);
     file_.Write(number, std::move(bitmap));
     SetPointer(index, number);
     // To the map of free pages it was one to come.
