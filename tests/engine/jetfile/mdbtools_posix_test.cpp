@@ -3,13 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
+#include "engine/jetfile/mdbtools_program.h"
 #include "engine/jetfile/samples.h"
 
 namespace ambrelio::jetfile {
@@ -22,17 +22,6 @@ INSTANTIATE_TEST_SUITE_P(Files, BesideMdbtools, testing::ValuesIn(Samples()),
 
 std::string ExpectedFolder() { return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/expected/"; }
 
-std::string OutputOf(const std::string& command) {
-  std::string output;
-  FILE* pipe = popen(command.c_str(), "r");
-  char buffer[4096];
-  for (size_t got = 0; (got = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-    output.append(buffer, got);
-  }
-  EXPECT_EQ(pclose(pipe), 0) << command;
-  return output;
-}
-
 // mdbtools gives a row that moved where it is now, and not where it belongs: of the sample with
 // such rows only the lines are compared, not their order.
 std::string Comparable(const Sample& sample, const std::string& text) {
@@ -44,8 +33,6 @@ std::string Comparable(const Sample& sample, const std::string& text) {
   for (const std::string& line : lines) sorted += line + '\n';
   return sorted;
 }
-
-bool HasMdbtools() { return std::system("command -v mdb-export mdb-schema >/dev/null") == 0; }
 
 TEST_P(BesideMdbtools, ReadsTheSameAsIsKeptOfIt) {
   std::ifstream kept(ExpectedFolder() + GetParam().name + ".txt", std::ios::binary);

@@ -78,9 +78,7 @@ class TableWriterTest : public testing::Test {
   Slot SlotOf(RowPointer row) const {
     return DataPage(file_.Read(row.page), row.page, kJet4).SlotAt(row.row);
   }
-  RowPointer Body(RowPointer row) const {
-    return FindRow(file_, writer_->definition(), row)->at;
-  }
+  RowPointer Body(RowPointer row) const { return FindRow(file_, writer_->definition(), row)->at; }
   std::vector<uint32_t> Pages() const {
     return ReadUsageMap(file_, writer_->definition().owned_map).pages;
   }
@@ -167,9 +165,7 @@ TEST_F(TableWriterTest, GivesBackAPageWithoutRowsAndUsesItAgain) {
   ExpectSound();
 }
 
-TEST_F(TableWriterTest, HasAtMost255RowsOnAPage) {
-  Make({});
-}
+TEST_F(TableWriterTest, HasAtMost255RowsOnAPage) { Make({}); }
 
 TEST_F(TableWriterTest, RefusesWhatHasNoPlaceAndChangesNothing) {
   const RowPointer row = Insert(1);
@@ -282,7 +278,8 @@ TEST_F(TableWriterTest, LeavesLongValuesAloneThatStayTheSame) {
   const RowPointer row = writer_->Insert(values);
   std::map<uint32_t, Page> pages;
   for (const LongValueMaps& maps : writer_->definition().long_values) {
-    for (const uint32_t page : ReadUsageMap(file_, maps.owned).pages) pages[page] = file_.Read(page);
+    for (const uint32_t page : ReadUsageMap(file_, maps.owned).pages)
+      pages[page] = file_.Read(page);
   }
   EXPECT_EQ(pages.size(), 4U);
   values[0] = int32_t{7};
@@ -309,11 +306,10 @@ TEST_F(TableWriterTest, KeepsThePageOfLongValuesWhileOneOfThemIsThere) {
 }
 
 TEST_F(TableWriterTest, CompressesTextOnlyWhereTheColumnSaysSoAndNeverInChains) {
-  const uint32_t page =
-      MakeTable(file_, "Compressed",
-                {{"Text", ColumnType::kText, 510, ColumnDefinition::kCompressed},
-                 {"Memo", ColumnType::kMemo, 0, ColumnDefinition::kCompressed}},
-                {});
+  const uint32_t page = MakeTable(file_, "Compressed",
+                                  {{"Text", ColumnType::kText, 510, ColumnDefinition::kCompressed},
+                                   {"Memo", ColumnType::kMemo, 0, ColumnDefinition::kCompressed}},
+                                  {});
   const auto length = [&](size_t characters) {
     TableWriter writer(file_, page);
     const RowPointer row = writer.Insert({"four", Long(characters)});
