@@ -65,18 +65,18 @@ TEST_F(SchemaBesideMdbtools, ReadsNewTables) {
   EXPECT_EQ(Tell(file, "mdb-tables -1"), "Añada\nStraße-7\n2003 d oli\nÇÀ\n");
 }
 
+// mdbtools lists columns in the order of their numbers. Of one that a row does not know it reads
+// whatever stands behind the row's last mark: the eighth still has its mark in the first byte.
 TEST_F(SchemaBesideMdbtools, ReadsTablesThatWereChanged) {
   for (const char* sample : {"", "test2V2000", "compIndexTestV2000"}) {
     JetFile file = *sample == '\0' ? NewJet() : CopyOf(sample);
     const uint32_t table = TableOfRows(file, "Añada");
-    AddColumn(file, table, Column("más", kText, 10), kNow);
     AddColumn(file, table, Column("entero", kInteger), kNow);
     DropIndex(file, table, "por ß", kNow);
     DropColumn(file, table, 1, kNow);
     DropColumn(file, table, 6, kNow);
-    ChangeColumn(file, table, 3, "notas", 0, kNow);
-    AddRows(file, table,
-            {{"nota", 4, Variant::Null(), Variant::Null(), true, "más ñ", int16_t{7}}});
+    ChangeColumn(file, table, 3, "notas", 3, kNow);
+    AddRows(file, table, {{4, Variant::Null(), "nota", Variant::Null(), true, int16_t{7}}});
     RenameTable(file, table, "Otra añada", kNow);
     ASSERT_EQ(CheckText(file), "");
     ExpectSame(file);
@@ -108,10 +108,11 @@ TEST_F(SchemaBesideMdbtools, ReadsIndexesAndProperties) {
   const uint32_t table = TableOfRows(file, "Añada");
   CreateIndex(file, table, Unique(IndexOver("único", {"x", "Ñandú-2"})), kNow);
   SetRules(file, table, "Ñandú-2", {true, false, ""}, kNow);
-  const std::string schema = Tell(file, "mdb-schema --indexes --not-null", "sqlite");
-  EXPECT_THAT(schema, HasSubstr("UNIQUE INDEX"));
-  EXPECT_THAT(schema, HasSubstr("`Ñandú-2`"));
-  EXPECT_THAT(schema, HasSubstr("varchar NOT NULL"));
+  const std::string schema = Tell(file, "mdb-schema --indexes --not-null", "mysql");
+  EXPECT_THAT(schema, HasSubstr("ADD UNIQUE INDEX `único` (`x`, `Ñandú-2`)"));
+  EXPECT_THAT(schema, HasSubstr("ADD PRIMARY KEY (`Código`)"));
+  EXPECT_THAT(schema, HasSubstr("ADD INDEX `por ß` (`Ñandú-2`, `€`)"));
+  EXPECT_THAT(schema, HasSubstr("varchar (30) NOT NULL"));
   EXPECT_THAT(Tell(file, "mdb-prop", "'Añada' LvProp"), HasSubstr("Required: yes"));
 }
 
