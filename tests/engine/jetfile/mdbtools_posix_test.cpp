@@ -10,6 +10,7 @@
 #include <string>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
+#include "engine/jetfile/mdbtools_program.h"
 #include "engine/jetfile/random_table.h"
 #include "engine/jetfile/samples.h"
 #include "support/temp_folder.h"
@@ -23,17 +24,6 @@ INSTANTIATE_TEST_SUITE_P(Files, BesideMdbtools, testing::ValuesIn(Samples()),
                          [](const auto& sample) { return TestName(sample.param); });
 
 std::string ExpectedFolder() { return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/expected/"; }
-
-std::string OutputOf(const std::string& command) {
-  std::string output;
-  FILE* pipe = popen(command.c_str(), "r");
-  char buffer[4096];
-  for (size_t got = 0; (got = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-    output.append(buffer, got);
-  }
-  EXPECT_EQ(pclose(pipe), 0) << command;
-  return output;
-}
 
 std::string LinesInOrder(const std::string& text) {
   std::multiset<std::string> lines;
@@ -49,8 +39,6 @@ std::string LinesInOrder(const std::string& text) {
 std::string Comparable(const Sample& sample, const std::string& text) {
   return sample.name == std::string("overflowTestV2000") ? LinesInOrder(text) : text;
 }
-
-bool HasMdbtools() { return std::system("command -v mdb-export mdb-schema >/dev/null") == 0; }
 
 TEST_P(BesideMdbtools, ReadsTheSameAsIsKeptOfIt) {
   std::ifstream kept(ExpectedFolder() + GetParam().name + ".txt", std::ios::binary);

@@ -1,5 +1,7 @@
 #include "ambrelio/engine/jetfile/header.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "ambrelio/engine/jetfile/damage.h"
@@ -21,10 +23,23 @@ constexpr size_t kKeyAt = 0x3E;
 constexpr size_t kPasswordAt = 0x42;
 constexpr size_t kJet3PasswordBytes = 20;
 constexpr size_t kJet4PasswordBytes = 40;
+constexpr size_t kBuildAt = 0x6A;
 constexpr size_t kLanguageAt = 0x6E;
+constexpr size_t kSortIdAt = 0x70;
 constexpr size_t kCreatedAt = 0x72;
 constexpr size_t kCommitEntries = 256;
 constexpr uint32_t kMaskKey = 0x6B39DAC7;
+// Behind the part that is masked stand two constants.
+constexpr size_t kFirstConstantAt = 0x98;
+constexpr uint32_t kFirstConstant = 0x654;
+constexpr size_t kFormatNameAt = 0x9C;
+constexpr std::string_view kFormatName = "4.0";
+// What a new file says of itself.
+constexpr uint16_t kWindows1252 = 1252;
+constexpr uint32_t kBuild = 9756;  // of the original engine
+constexpr uint16_t kNewFileLanguage = 0x0409;
+constexpr uint32_t kFirstSystemTable = 2;
+constexpr uint16_t kIdle = 0x0100;  // of a user who has not written yet
 
 constexpr std::string_view kJetMagic{"Standard Jet DB\0", 16};
 constexpr std::string_view kAceMagic{"Standard ACE DB\0", 16};
@@ -46,6 +61,20 @@ std::string Jet4Password(ByteView field, uint32_t mask) {
     units += unit;
   }
   return Utf16ToUtf8(units);
+}
+
+Bytes Jet4PasswordField(std::string_view password, uint32_t mask) {
+  std::u16string units = Utf8ToUtf16(password);
+  if (units.size() > kJet4PasswordBytes / 2) {
+    Refuse(dao::DaoError::kWrongPassword,
+           "Not a valid password: it has more than twenty characters.");
+  }
+  units.resize(kJet4PasswordBytes / 2);
+  Bytes field;
+  for (const char16_t unit : units) {
+    Append(field, unit ^ (mask >> (8 * (field.size() % 4)) & 0xFFFF), 2);
+  }
+  return field;
 }
 
 std::string Jet3Password(ByteView field) {
@@ -99,6 +128,8 @@ Header ParseHeader(ByteView page) {
   header.key = view.U32(kKeyAt);
   if (format.jet4) {
     header.language = view.U16(kLanguageAt);
+    header.sort_id = view.U8(kSortIdAt);
+    header.collation_version = view.U8(kSortIdAt + 1);
     header.created = view.F64(kCreatedAt);
     header.password =
         Jet4Password(view.Part(kPasswordAt, kJet4PasswordBytes), PasswordMask(header.created));
@@ -110,6 +141,35 @@ Header ParseHeader(ByteView page) {
     header.commits.push_back(view.U16(format.commit_table_at + 2 * i));
   }
   return header;
+}
+
+Bytes NewHeader(double created, std::string_view password) {
+  Bytes page(kJet4.page_size);
+  const auto put_text = [&page](size_t at, std::string_view text) {
+    std::copy(text.begin(), text.end(), page.begin() + static_cast<std::ptrdiff_t>(at));
+  };
+  Put(page, 0, static_cast<uint32_t>(PageType::kHeader), 4);
+  put_text(kMagicAt, kJetMagic);
+  Put(page, kVersionAt, 1, 4);
+  Put(page, kFreeMapAt, RowPointerBits({kGlobalMapPage, 0}), 4);
+  Put(page, kReleasedMapAt, RowPointerBits({kGlobalMapPage, 1}), 4);
+  for (size_t i = 0; i < std::tuple_size_v<decltype(Header::system_tables)>; ++i) {
+    Put(page, kSystemTablesAt + 4 * i, kFirstSystemTable + i, 4);
+  }
+  Put(page, kCodePageAt, kWindows1252, 2);
+  const Bytes field = Jet4PasswordField(password, PasswordMask(created));
+  std::copy(field.begin(), field.end(), page.begin() + kPasswordAt);
+  Put(page, kBuildAt, kBuild, 4);
+  Put(page, kLanguageAt, kNewFileLanguage, 2);
+  Put(page, kCreatedAt, std::bit_cast<uint64_t>(created), 8);
+  MaskHeader(page, kJet4);
+  Put(page, kFirstConstantAt, kFirstConstant, 4);
+  put_text(kFormatNameAt, kFormatName);
+  // Whoever has the file for himself is the first user, and has written it.
+  for (size_t i = 0; i < kCommitEntries; ++i) {
+    Put(page, kJet4.commit_table_at + 2 * i, i == 0 ? kIdle + 1 : kIdle, 2);
+  }
+  return page;
 }
 
 void MaskHeader(std::span<uint8_t> page, const Format& format) {

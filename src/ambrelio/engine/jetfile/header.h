@@ -22,7 +22,9 @@ struct Header {
   uint32_t key = 0;  // of the pages' encryption; 0 for none
   std::string password;
   uint16_t language = 0;  // the sort order of new columns
-  double created = 0;     // days, as OleDate has them; 0 in Jet 3
+  uint8_t sort_id = 0;    // and what of it columns have beside the language
+  uint8_t collation_version = 0;
+  double created = 0;  // days, as OleDate has them; 0 in Jet 3
   std::vector<uint16_t> commits;
 };
 
@@ -35,6 +37,10 @@ const Format& RecogniseFormat(ByteView first_bytes);
 
 // Reads page 0, which is a whole page.
 Header ParseHeader(ByteView page);
+
+// Page 0 of a new file of Jet 4 of that date. Raises 3031 when the password is longer than its
+// place, which is one of twenty characters.
+Bytes NewHeader(double created, std::string_view password);
 
 // Masks the part of page 0 that is kept masked, or unmasks it.
 void MaskHeader(std::span<uint8_t> page, const Format& format);

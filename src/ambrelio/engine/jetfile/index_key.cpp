@@ -18,12 +18,11 @@ constexpr uint8_t kNullDescending = 0xFF;
 constexpr size_t kGroup = 8;
 constexpr uint8_t kMoreGroups = 0x09;
 
-std::optional<TextOrder> OrderOf(const ColumnDefinition& column) {
+std::optional<TextOrder> OrderOf(uint16_t language) {
   constexpr uint16_t kGeneral = 0x0409;
   constexpr uint16_t kModernSpanish = 0x0C0A;
   constexpr uint16_t kTraditionalSpanish = 0x040A;
-  if (column.sort_id != 0 || column.collation_version != 0) return std::nullopt;
-  switch (column.collation) {
+  switch (language) {
     case kGeneral:
       return TextOrder::kGeneral;
     case kModernSpanish:
@@ -33,6 +32,11 @@ std::optional<TextOrder> OrderOf(const ColumnDefinition& column) {
     default:
       return std::nullopt;
   }
+}
+
+std::optional<TextOrder> OrderOf(const ColumnDefinition& column) {
+  if (column.sort_id != 0 || column.collation_version != 0) return std::nullopt;
+  return OrderOf(column.collation);
 }
 
 Bytes BigEndian(uint64_t bits, size_t size) {
@@ -174,6 +178,8 @@ std::optional<Bytes> EncodeKey(const TableDefinition& definition, const IndexDef
   if (key.size() > kLongestKey) return std::nullopt;
   return key;
 }
+
+bool IsKnownLanguage(uint16_t language) { return OrderOf(language).has_value(); }
 
 bool IsEncodable(const TableDefinition& definition, const IndexDefinition& index, bool jet4) {
   const auto columns = index.Columns();

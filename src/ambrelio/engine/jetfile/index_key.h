@@ -24,6 +24,9 @@ std::optional<Bytes> EncodeKeyPart(const ColumnDefinition& column, bool ascendin
 std::optional<Bytes> EncodeKey(const TableDefinition& definition, const IndexDefinition& index,
                                const std::vector<Variant>& values, bool jet4);
 
+// Whether keys can be made of texts of a language, in the way that definitions and page 0 name it.
+bool IsKnownLanguage(uint16_t language);
+
 // Whether an index can be read and written by its keys at all: whether its texts have a known
 // order.
 bool IsEncodable(const TableDefinition& definition, const IndexDefinition& index, bool jet4);

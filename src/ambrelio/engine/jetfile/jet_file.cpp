@@ -72,8 +72,8 @@ std::map<uint32_t, Page> JetFile::StoredChanges() const {
   return stored;
 }
 
-void JetFile::ForgetChanges() {
-  pages_->Forget();
+void JetFile::SetChanges(std::map<uint32_t, Page> changes) {
+  pages_->SetChanges(std::move(changes));
   header_ = ParseHeader(ViewOf(Read(0), 0));
 }
 

@@ -35,8 +35,9 @@ class JetFile {
   // What was written, by page, in clear and as it has to stand in the file.
   const std::map<uint32_t, Page>& changes() const { return pages_->changes(); }
   std::map<uint32_t, Page> StoredChanges() const;
-  // The file is again what it is below the changes.
-  void ForgetChanges();
+  // The file is again what it is below the changes; or below them with those that it had once.
+  void ForgetChanges() { SetChanges({}); }
+  void SetChanges(std::map<uint32_t, Page> changes);
 
   // Bytes of the file beyond its last whole page.
   size_t torn_bytes() const { return torn_bytes_; }

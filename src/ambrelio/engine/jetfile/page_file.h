@@ -90,6 +90,7 @@ class ChangedPages : public PageFile {
   void Write(uint32_t number, Bytes bytes);
 
   const std::map<uint32_t, Page>& changes() const { return changes_; }
+  void SetChanges(std::map<uint32_t, Page> changes) { changes_ = std::move(changes); }
   void Forget() { changes_.clear(); }
 
  private:

@@ -68,11 +68,12 @@ DefinitionString ReadDefinitionString(const JetFile& file, uint32_t page) {
     const ByteView content = string.pages.empty() ? view : view.From(kPageHeaderBytes);
     string.pages.push_back(number);
     Append(string.bytes, content.bytes());
-    if (string.bytes.size() >= length) {
+    number = view.U32(kNextPageAt);
+    // A definition that all but fills its pages has one more, with nothing in it.
+    if (string.bytes.size() >= length + (number == 0 ? 0 : kPageHeaderBytes)) {
       string.bytes.resize(length);
       return string;
     }
-    number = view.U32(kNextPageAt);
   }
   throw Damage({string.pages.empty() ? page : string.pages.back(), kNextPageAt},
                "the table definition has no page behind this one");

@@ -151,14 +151,13 @@ TEST(QueryParts, OfADataDefinitionAreItsTextAndAZero) {
   EXPECT_EQ(parts[0].expression, std::string("create table T (a long)\0", 24));
 }
 
-// All that can be kept: a union of values cannot be appended, a star cannot be told to columns,
-// and a table without a name cannot be joined.
+// All that can be kept: which column of a star goes where cannot be told, and a table without a
+// name cannot be joined.
 TEST(QueryParts, MeanWhatTheLibrarysStatementsMean) {
   const std::set<std::string_view> cannot_be_kept = {
       "insert into splitDescar (cooperativa, partida, mediana, codpro, tolva, descarga, fraccion) "
       "select * from split ",
-      "select a from (b left outer join c on b.x=c.x) right join (select 1 as x) on b.x=x",
-      "insert into t (a, b) (select top 3 a, 5 from u order by 2)"};
+      "select a from (b left outer join c on b.x=c.x) right join (select 1 as x) on b.x=x"};
   for (const std::string_view sql : sql::KnownStatements()) {
     SCOPED_TRACE(sql);
     const bool defines =
@@ -187,14 +186,21 @@ TEST(QueryParts, KeepMeaningWithNamesThatNeedBrackets) {
   }
 }
 
+std::vector<std::string> InputsSorted(std::vector<std::string> lines) {
+  const auto is_input = [](const std::string& line) { return line.starts_with("5 "); };
+  const auto first = std::find_if(lines.begin(), lines.end(), is_input);
+  std::sort(first, std::find_if_not(first, lines.end(), is_input));
+  return lines;
+}
+
 class QueryPartsOfSamples : public testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(Files, QueryPartsOfSamples,
                          testing::Values("accessLike", "pivot", "queryTestV2000", "queryTestV2003"),
                          [](const auto& sample) { return std::string(sample.param); });
 
 // Rows that hold nothing and whether there is a row without options are no matter of meaning. Nor
-// is the order of rows of different parts, which sorting makes one. What goes to another server
-// cannot be told by its text.
+// is the order of tables that are joined, which their text has as the joins have it. What goes to
+// another server cannot be told by its text.
 TEST_P(QueryPartsOfSamples, AreTheRowsOfTheirText) {
   const auto file = jetfile::JetFile::Open(jetfile::SamplePath(GetParam()), "");
   const jetfile::Catalogue catalogue = ReadCatalogue(file);
@@ -213,7 +219,7 @@ TEST_P(QueryPartsOfSamples, AreTheRowsOfTheirText) {
       const size_t end = line.find_last_not_of("\r\n");
       line.erase(end + 1);
     }
-    EXPECT_EQ(PartsOf(ReadQuerySql(file, catalogue, *query)), kept);
+    EXPECT_EQ(InputsSorted(PartsOf(ReadQuerySql(file, catalogue, *query))), InputsSorted(kept));
   }
 }
 

@@ -77,7 +77,7 @@ class PartTaker {
     }
     const auto known = std::find_if(
         jetfile::kParameterTypes.begin(), jetfile::kParameterTypes.end(),
-        [&type](const auto& known) { return UpperCase(known.word) == UpperCase(type.Text()); });
+        [&type](const auto& one) { return UpperCase(one.word) == UpperCase(type.Text()); });
     if (known == jetfile::kParameterTypes.end()) FailToTakeApart(type);
     return known->flag;
   }

@@ -17,13 +17,13 @@ Words::Words(std::string_view text) : text_(text) {
   std::vector<size_t> open;
   for (Lexeme lexeme = scanner.Next(); lexeme.kind != TokenKind::kEnd; lexeme = scanner.Next()) {
     if (lexeme.IsSymbol(')')) {
-      if (open.empty()) RaiseNear(dao::DaoError::kExpressionSyntax, text, lexeme.offset);
+      if (open.empty()) sql::RaiseNear(dao::DaoError::kExpressionSyntax, text, lexeme.offset);
       open.pop_back();
     }
     words->push_back({lexeme, open.size()});
     if (lexeme.IsSymbol('(')) open.push_back(lexeme.offset);
   }
-  if (!open.empty()) RaiseNear(dao::DaoError::kExpressionSyntax, text, open.back());
+  if (!open.empty()) sql::RaiseNear(dao::DaoError::kExpressionSyntax, text, open.back());
   end_ = words->size();
   all_ = std::move(words);
 }
