@@ -85,8 +85,10 @@ class SharedFile {
     friend bool operator==(const Stamp&, const Stamp&) = default;
   };
 
-  SharedFile(const std::string& path, Access access);
-  void OpenLocks(Access access, std::chrono::milliseconds wait);
+  SharedFile(const std::string& path, const Format& format);
+  void OpenLocks(bool alone, std::chrono::milliseconds wait);
+  void OpenData();
+  void ReadHeader(std::string_view password);
   void PutRight();
   void EnterMoment();
   void LeaveMoment();
@@ -101,7 +103,7 @@ class SharedFile {
   std::string path_;
   std::string full_path_;
   bool read_only_;
-  const Format* format_ = nullptr;
+  const Format& format_;
   std::unique_ptr<DiskFile> data_;
   std::unique_ptr<FileLocks> locks_;  // none where nobody can write
   std::optional<RollbackRecord> record_;
