@@ -66,6 +66,7 @@ TEST_F(OtherPrograms, AreNotWrittenUnder) {
   }
   EXPECT_EQ(FileBytes(Path()), before);
   EXPECT_EQ(ErrorOf([&] { Open()->Lock(); }), kFileInUse);
+  EXPECT_EQ(ErrorOf([&] { Open(Access::kExclusive); }), kFileInUse);
 
   user.Signal();
   ASSERT_TRUE(user.EndedWell());

@@ -46,7 +46,7 @@ class SharedFilePowerCut : public SharedFileTest {
   }
 
   static bool HasRecord(const test::TempFolder& found) {
-    const auto file = DiskFile::Open(found.File("mill.mdb-rollback"), DiskFile::Mode::kExisting);
+    const auto file = DiskFile::Open(found.File("mill.mdb-rollback"));
     return file && RollbackRecord::Begins(*file, FileLocks::kRecordAt);
   }
 

@@ -87,6 +87,25 @@ TEST_F(SharedFileProcesses, LeaveTheirTurnWhenTheyDie) {
   EXPECT_EQ(FileBytes(Path()), before);
 }
 
+TEST_F(SharedFileProcesses, OfOtherUsersMayOpenWhatOneHasMade) {
+  using std::filesystem::perms;
+  constexpr perms kEverybody = perms::owner_read | perms::owner_write | perms::group_read |
+                               perms::group_write | perms::others_read | perms::others_write;
+  std::filesystem::permissions(Path(), kEverybody);
+  const auto shared = Open();
+  ASSERT_EQ(FilesInFolder().size(), 3U);
+  for (const std::string& name : FilesInFolder()) {
+    EXPECT_EQ(std::filesystem::status(folder_.File(name)).permissions(), kEverybody) << name;
+  }
+}
+
+TEST_F(SharedFileProcesses, MeetInOneFileThroughALink) {
+  const std::string link = folder_.File("link.mdb");
+  std::filesystem::create_symlink("mill.mdb", link);
+  const auto alone = Open(Access::kExclusive);
+  EXPECT_EQ(ErrorOf([&] { SharedFile::Open(link, "", Access::kShared, kShortly); }), 3045);
+}
+
 // A process that commits once, and dies just before its `change`th change of a file.
 class Dying {
  public:

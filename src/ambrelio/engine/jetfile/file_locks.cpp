@@ -42,7 +42,7 @@ std::unique_ptr<FileLocks> FileLocks::Open(const std::string& path, bool alone,
   const bool joined = Await(wait, [&] { return locks->TryJoin(); });
   if (!joined) dao::Raise(DaoError::kFileInUse, kSource, path);
   if (locks->presence_) {
-    locks->rollback_ = DiskFile::Open(RollbackPath(path), DiskFile::Mode::kCreate);
+    locks->rollback_ = DiskFile::OpenOrCreate(RollbackPath(path), path);
   }
   if (locks->rollback_) return locks;
   // One that is there is somebody's, who would not be seen.
@@ -56,7 +56,7 @@ std::unique_ptr<FileLocks> FileLocks::Open(const std::string& path, bool alone,
 // The last one can have taken the name away between the opening and the lock. Who wants to be alone
 // gives way after each attempt, so that of two one succeeds.
 bool FileLocks::TryJoin() {
-  presence_ = DiskFile::Open(PresencePath(), DiskFile::Mode::kCreate);
+  presence_ = DiskFile::OpenOrCreate(PresencePath(), path_);
   if (!presence_) return true;
   if (alone_ && !presence_->writable()) {
     dao::Raise(DaoError::kAccessDenied, "DAO.Workspace", path_);

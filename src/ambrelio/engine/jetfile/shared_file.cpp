@@ -4,6 +4,7 @@
 
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/open_file.h"
+#include "ambrelio/engine/jetfile/other_programs.h"
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::jetfile {
@@ -57,17 +58,18 @@ SharedFile::SharedFile(const std::string& path, const Format& format)
 
 void SharedFile::OpenLocks(bool alone, std::chrono::milliseconds wait) {
   locks_ = FileLocks::Open(full_path_, alone, wait);
+  if (alone) RefuseWhileOthersHaveIt(full_path_);
   if (locks_) return;
   if (alone) dao::Raise(DaoError::kAccessDenied, kOpening, path_);
   const std::string rollback = FileLocks::RollbackPath(full_path_);
   if (!std::filesystem::exists(FilePath(rollback))) return;
-  const auto file = DiskFile::Open(rollback, DiskFile::Mode::kExisting);
+  const auto file = DiskFile::Open(rollback);
   if (!file || RollbackRecord::Begins(*file, FileLocks::kRecordAt)) RefuseUnfinishedCommit(path_);
 }
 
 // Behind the locks, so that nobody can replace the file any more.
 void SharedFile::OpenData() {
-  data_ = DiskFile::Open(full_path_, DiskFile::Mode::kExisting);
+  data_ = DiskFile::Open(full_path_);
   if (!data_) dao::Raise(DaoError::kAccessDenied, kOpening, path_);
   if (!data_->writable() || !locks_ || !locks_->writable()) read_only_ = true;
   if (locks_) record_.emplace(locks_->rollback(), FileLocks::kRecordAt, *data_);
@@ -126,15 +128,22 @@ SharedFile::Stamp SharedFile::ReadStamp() const {
   return stamp;
 }
 
-// A commit under way shows as a difference, and by the time of the moment it is done.
+// A commit under way shows as a difference, and by the time of the moment it is done. In the turn
+// to write nobody else commits.
 bool SharedFile::ChangedByOthers() {
-  if (ReadStamp() == seen_) return false;
-  const Moment moment = Read();
-  Stamp now = ReadStamp();
-  if (now == seen_) return false;
+  if (!turn_ && ReadStamp() != seen_) {
+    const Moment moment = Read();
+    TakeNotice();
+  }
+  return std::exchange(changed_by_others_, false);
+}
+
+void SharedFile::TakeNotice() {
   file_->ForgetChanges();
+  Stamp now = ReadStamp();
+  if (now == seen_) return;
   seen_ = std::move(now);
-  return true;
+  changed_by_others_ = true;
 }
 
 }  // namespace ambrelio::jetfile

@@ -18,7 +18,7 @@ void SharedFile::Lock() {
   locks_->TakeTurn();
   try {
     turn_.emplace(Read());
-    file_->ForgetChanges();
+    TakeNotice();
     RefuseWhileOthersHaveIt(full_path_);
     RefuseUnfinishedChange(path_, file_->header());
   } catch (...) {
@@ -47,6 +47,10 @@ void SharedFile::Commit() {
   if (locks_->overwriting()) TakeBack();
   if (file_->changes().empty()) return;
   RefuseWhileOthersHaveIt(full_path_);
+  if (ReadStamp().commit_table != seen_.commit_table) {
+    Refuse(DaoError::kFileInUse,
+           "The file '" + path_ + "' was changed by another program in the meantime.");
+  }
   const std::map<uint32_t, Page> pages = PagesToStore();
   try {
     locks_->BeginOverwriting();
