@@ -140,6 +140,34 @@ TEST_F(SharedFileOfOne, TellsWhenOthersHaveCommitted) {
   EXPECT_EQ(FirstByte(*reader, kPage), 2);
 }
 
+TEST_F(SharedFileOfOne, TellsOfCommitsBeforeItsOwn) {
+  const auto shared = Open();
+  CommitByte(*Open(), kPage, 1);
+  shared->Lock();
+  shared->file().Write(kPage + 1, PageOf(2));
+  EXPECT_TRUE(shared->ChangedByOthers());
+  EXPECT_EQ(FirstByte(*shared, kPage + 1), 2);
+  shared->Unlock();
+
+  CommitByte(*Open(), kPage, 3);
+  CommitByte(*shared, kPage + 1, 4);
+  EXPECT_TRUE(shared->ChangedByOthers());
+  EXPECT_FALSE(shared->ChangedByOthers());
+}
+
+TEST_F(SharedFileOfOne, DoesNotCommitOverAnotherProgram) {
+  const auto shared = Open();
+  shared->Lock();
+  shared->file().Write(kPage, PageOf(1));
+  Bytes bytes = FileBytes(Path());
+  Put(bytes, kJet4.commit_table_at + 2 * 5, 0x0123, 2);
+  PutFile(Path(), bytes);
+  EXPECT_EQ(ErrorOf([&] { shared->Commit(); }), kFileInUse);
+  EXPECT_EQ(FileBytes(Path()), bytes);
+  shared->Unlock();
+  CommitByte(*shared, kPage, 1);
+}
+
 TEST_F(SharedFileOfOne, TellsWhenAnotherProgramHasCommitted) {
   const auto shared = Open();
   constexpr size_t kUser = 5;
@@ -304,6 +332,25 @@ TEST_F(SharedFileOfOne, IsSharedByTwoThreads) {
   first.join();
   second.join();
   EXPECT_EQ(FirstByte(*Open(), kPage), 2 * kCommits);
+  EXPECT_THAT(FilesInFolder(), ElementsAre("mill.mdb"));
+}
+
+// The last one takes the side files away while the next one opens them.
+TEST_F(SharedFileOfOne, IsOpenedWhileOthersCloseIt) {
+  constexpr int kCommits = 25;
+  CommitByte(*Open(), kPage, 0);
+  const auto work = [&] {
+    for (int left = kCommits; left > 0; --left) {
+      const auto shared = Open(Access::kShared, std::chrono::minutes(1));
+      shared->Lock();
+      shared->file().Write(kPage, PageOf(static_cast<uint8_t>(FirstByte(*shared, kPage) + 1)));
+      shared->Commit();
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int left = 4; left > 0; --left) threads.emplace_back(work);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(FirstByte(*Open(), kPage), 4 * kCommits);
   EXPECT_THAT(FilesInFolder(), ElementsAre("mill.mdb"));
 }
 

@@ -1,7 +1,5 @@
 #include "ambrelio/engine/jetfile/disk_file.h"
 
-#include <vector>
-
 #include "ambrelio/dao/errors.h"
 
 namespace ambrelio::jetfile {
@@ -14,15 +12,24 @@ sqlite3_vfs& Layer() { return *sqlite3_vfs_find(nullptr); }
 
 }  // namespace
 
-std::unique_ptr<DiskFile> DiskFile::Open(const std::string& path, Mode mode) {
+std::unique_ptr<DiskFile> DiskFile::Open(const std::string& path) { return OpenAs(path, 0, {}); }
+
+std::unique_ptr<DiskFile> DiskFile::OpenOrCreate(const std::string& path, const std::string& like) {
+  return OpenAs(path, SQLITE_OPEN_CREATE | SQLITE_OPEN_URI, {"modeof", like.c_str()});
+}
+
+std::unique_ptr<DiskFile> DiskFile::OpenAs(const std::string& path, int flags,
+                                           std::vector<const char*> parameters) {
   sqlite3_vfs& layer = Layer();
   std::unique_ptr<DiskFile> file(new DiskFile(path));
   // The layer keeps the name, and wants it in memory of this form.
-  file->name_ = {sqlite3_create_filename(path.c_str(), "", "", 0, nullptr), sqlite3_free_filename};
+  file->name_ = {
+      sqlite3_create_filename(path.c_str(), "", "", static_cast<int>(parameters.size() / 2),
+                              parameters.data()),
+      sqlite3_free_filename};
   file->file_ = std::make_unique<std::byte[]>(static_cast<size_t>(layer.szOsFile));
   // Only what is a main database to it has locks.
-  const int create = mode == Mode::kCreate ? SQLITE_OPEN_CREATE : 0;
-  const int flags = SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_READWRITE | create;
+  flags |= SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_READWRITE;
   int opened = 0;
   const int code = layer.xOpen(&layer, file->name_.get(), file->raw(), flags, &opened);
   if (code != SQLITE_OK) return nullptr;

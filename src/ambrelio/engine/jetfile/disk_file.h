@@ -8,12 +8,12 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace ambrelio::jetfile {
 
 class DiskFile {
  public:
-  enum class Mode : uint8_t { kExisting, kCreate };
   // In the order of their strength. kReserved excludes itself and kExclusive, kExclusive excludes
   // all; whoever waits for it keeps newcomers from kShared.
   enum class Lock : int {
@@ -24,7 +24,9 @@ class DiskFile {
   };
 
   // Nothing when it cannot be opened. One that may not be written is opened for reading.
-  static std::unique_ptr<DiskFile> Open(const std::string& path, Mode mode);
+  static std::unique_ptr<DiskFile> Open(const std::string& path);
+  // The same, but one that is missing is made, with the permissions of `like`.
+  static std::unique_ptr<DiskFile> OpenOrCreate(const std::string& path, const std::string& like);
   static void Delete(const std::string& path);  // as far as it can be done
   // Absolute, without symbolic links where the system lets them be resolved. Raises 3044.
   static std::string FullPath(const std::string& path);
@@ -53,6 +55,8 @@ class DiskFile {
 
  private:
   explicit DiskFile(std::string path) : path_(std::move(path)) {}
+  static std::unique_ptr<DiskFile> OpenAs(const std::string& path, int flags,
+                                          std::vector<const char*> parameters);
   sqlite3_file* raw() const { return reinterpret_cast<sqlite3_file*>(file_.get()); }
   void Check(int code) const;
 

@@ -1,6 +1,5 @@
 #include "ambrelio/engine/jetfile/file_locks.h"
 
-#include <array>
 #include <filesystem>
 #include <thread>
 
@@ -40,24 +39,24 @@ std::unique_ptr<FileLocks> FileLocks::Open(const std::string& path, bool alone,
                                            std::chrono::milliseconds wait) {
   constexpr const char* kSource = "DAO.Workspace";
   std::unique_ptr<FileLocks> locks(new FileLocks(path, alone, wait));
-  const std::string presence = locks->PresencePath();
   const bool joined = Await(wait, [&] { return locks->TryJoin(); });
   if (!joined) dao::Raise(DaoError::kFileInUse, kSource, path);
-  if (!locks->presence_) {
-    if (std::filesystem::exists(FilePath(presence))) {
-      dao::Raise(DaoError::kAccessDenied, kSource, presence);
-    }
-    return nullptr;
+  if (locks->presence_) {
+    locks->rollback_ = DiskFile::OpenOrCreate(RollbackPath(path), path);
   }
-  locks->rollback_ = DiskFile::Open(RollbackPath(path), DiskFile::Mode::kCreate);
-  if (!locks->rollback_) dao::Raise(DaoError::kAccessDenied, kSource, RollbackPath(path));
-  return locks;
+  if (locks->rollback_) return locks;
+  // One that is there is somebody's, who would not be seen.
+  const std::string missing = locks->presence_ ? RollbackPath(path) : locks->PresencePath();
+  if (std::filesystem::exists(FilePath(missing))) {
+    dao::Raise(DaoError::kAccessDenied, kSource, missing);
+  }
+  return nullptr;
 }
 
 // The last one can have taken the name away between the opening and the lock. Who wants to be alone
 // gives way after each attempt, so that of two one succeeds.
 bool FileLocks::TryJoin() {
-  presence_ = DiskFile::Open(PresencePath(), DiskFile::Mode::kCreate);
+  presence_ = DiskFile::OpenOrCreate(PresencePath(), path_);
   if (!presence_) return true;
   if (alone_ && !presence_->writable()) {
     dao::Raise(DaoError::kAccessDenied, "DAO.Workspace", path_);
@@ -109,34 +108,24 @@ void FileLocks::BeginOverwriting() {
   overwriting_ = Await(wait_, [&] { return rollback_->TryLock(Lock::kExclusive); });
   try {
     if (!overwriting_) dao::Raise(DaoError::kRecordLocked, "DAO.Database", path_);
-    SetCount(Count() | 1);
+    Bytes count;
+    Append(count, Count() + 1, kRecordAt);
+    rollback_->Write(0, count);
   } catch (...) {
-    overwriting_ = false;
-    rollback_->Unlock(Lock::kShared);
+    EndOverwriting();
     throw;
   }
 }
 
 void FileLocks::EndOverwriting() {
-  try {
-    SetCount((Count() | 1) + 1);
-  } catch (const AutomationError&) {
-    // Then the next one takes the writer for dead, and finds that there is nothing to put right.
-  }
   overwriting_ = false;
   rollback_->Unlock(Lock::kShared);
 }
 
 uint64_t FileLocks::Count() const {
-  std::array<uint8_t, kRecordAt> bytes{};
-  rollback_->Read(0, bytes);
-  return ByteView(bytes, {}).U64(0);
-}
-
-void FileLocks::SetCount(uint64_t count) {
-  std::array<uint8_t, kRecordAt> bytes{};
-  Put(bytes, 0, count, bytes.size());
-  rollback_->Write(0, bytes);
+  Bytes count(kRecordAt);
+  rollback_->Read(0, count);
+  return ByteView(count, {}).U64(0);
 }
 
 }  // namespace ambrelio::jetfile

@@ -2,9 +2,8 @@
 //
 // `<name>-lock` tells who is there. Everyone holds it kShared, who has the file alone kExclusive,
 // and whose turn it is to write kReserved. `<name>-rollback` tells what is done with the pages:
-// kShared for a moment in which they stay as they are, kExclusive while they are overwritten. Its
-// first 8 bytes count the beginnings and the ends of overwriting; the rollback record follows. When
-// the count is odd and no page is being overwritten, the writer has died or failed.
+// kShared for a moment in which they stay as they are, kExclusive for a commit. Its first 8 bytes
+// count the commits that were begun; the rollback record follows.
 #pragma once
 
 #include <chrono>
@@ -43,14 +42,14 @@ class FileLocks {
   void GiveTurn();
   bool has_turn() const { return has_turn_; }
 
-  // For who has the turn and is within a moment: keeps everyone else from reading. Raises 3218.
+  // For who has the turn and is within a moment: keeps everyone else from reading, and counts.
+  // Raises 3218.
   void BeginOverwriting();
-  // The pages are as they shall be.
+  // Back to the moment.
   void EndOverwriting();
   bool overwriting() const { return overwriting_; }
 
   uint64_t Count() const;
-  bool LeftInTheMiddle() const { return Count() % 2 != 0; }
 
  private:
   FileLocks(std::string path, bool alone, std::chrono::milliseconds wait)
@@ -59,7 +58,6 @@ class FileLocks {
   std::string PresencePath() const { return path_ + "-lock"; }
   bool TryJoin();
   void Remove();
-  void SetCount(uint64_t count);
 
   std::string path_;
   bool alone_;

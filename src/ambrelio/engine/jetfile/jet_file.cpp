@@ -1,7 +1,5 @@
 #include "ambrelio/engine/jetfile/jet_file.h"
 
-#include <fstream>
-
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/open_file.h"
 #include "ambrelio/engine/jetfile/rc4.h"
@@ -10,20 +8,6 @@
 #include "ambrelio/platform/text_encoding.h"
 
 namespace ambrelio::jetfile {
-namespace {
-
-constexpr size_t kFirstBytes = 0x18;
-
-// The first bytes of a file, fewer when it has no more.
-Bytes FirstBytes(const std::string& path) {
-  Bytes bytes(kFirstBytes);
-  std::ifstream file = OpenFile(path);
-  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(static_cast<size_t>(file.gcount()));
-  return bytes;
-}
-
-}  // namespace
 
 JetFile JetFile::Open(const std::string& path, std::string_view password) {
   const Bytes first = FirstBytes(path);

@@ -1,29 +1,31 @@
 #include "ambrelio/engine/jetfile/open_file.h"
 
 #include "ambrelio/dao/errors.h"
+#include "ambrelio/platform/file_in_use.h"
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::jetfile {
-namespace {
 
-constexpr const char* kSource = "DAO.Workspace";
-
-}  // namespace
-
-void RequireFile(const std::string& path) {
+std::ifstream OpenFile(const std::string& path) {
+  constexpr const char* kSource = "DAO.Workspace";
   std::error_code ignored;
   const auto status = std::filesystem::status(FilePath(path), ignored);
   if (!std::filesystem::exists(status)) dao::Raise(dao::DaoError::kFileNotFound, kSource, path);
-  if (!std::filesystem::is_regular_file(status)) {
-    dao::Raise(dao::DaoError::kAccessDenied, kSource, path);
+  std::ifstream file(FilePath(path), std::ios::binary);
+  if (!file || !std::filesystem::is_regular_file(status)) {
+    const bool held = IsHeldByAnother(path);
+    dao::Raise(held ? dao::DaoError::kFileInUse : dao::DaoError::kAccessDenied, kSource, path);
   }
+  return file;
 }
 
-std::ifstream OpenFile(const std::string& path) {
-  RequireFile(path);
-  std::ifstream file(FilePath(path), std::ios::binary);
-  if (!file) dao::Raise(dao::DaoError::kAccessDenied, kSource, path);
-  return file;
+Bytes FirstBytes(const std::string& path) {
+  constexpr size_t kFirstBytes = 0x18;
+  Bytes bytes(kFirstBytes);
+  std::ifstream file = OpenFile(path);
+  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<size_t>(file.gcount()));
+  return bytes;
 }
 
 }  // namespace ambrelio::jetfile

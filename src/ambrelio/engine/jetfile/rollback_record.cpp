@@ -75,6 +75,7 @@ bool RollbackRecord::Begins(const DiskFile& file, int64_t place) {
 }
 
 void RollbackRecord::Write(const std::map<uint32_t, Page>& pages) {
+  is_durable_ = false;
   const auto page_count = static_cast<uint32_t>(data_.Size() / static_cast<int64_t>(kPageBytes));
   Passage record(file_, place_);
   Bytes head(kMagic.begin(), kMagic.end());
@@ -94,6 +95,7 @@ void RollbackRecord::Write(const std::map<uint32_t, Page>& pages) {
   file_.Sync();
   if (!name_is_durable_) SyncFolderOf(file_.path());
   name_is_durable_ = true;
+  is_durable_ = true;
 }
 
 std::optional<RollbackRecord::Contents> RollbackRecord::Load() const {
@@ -160,11 +162,14 @@ void RollbackRecord::Restore(const Contents& contents) {
   }
 }
 
+// Before the record was durable, no page was touched.
 void RollbackRecord::TakeBack() {
-  const std::optional<Contents> contents = Load();
-  if (!contents) dao::Raise(dao::DaoError::kDiskError, "DAO.Database", file_.path());
-  Restore(*contents);
-  data_.Sync();
+  if (is_durable_) {
+    const std::optional<Contents> contents = Load();
+    if (!contents) dao::Raise(dao::DaoError::kDiskError, "DAO.Database", file_.path());
+    Restore(*contents);
+    data_.Sync();
+  }
   MakeVoid();
 }
 

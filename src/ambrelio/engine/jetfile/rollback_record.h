@@ -22,15 +22,17 @@ class RollbackRecord {
   RollbackRecord(DiskFile& file, int64_t place, DiskFile& data)
       : file_(file), place_(place), data_(data) {}
 
-  // Whether there is the beginning of one, without reading it as a whole.
+  // Whether there is the beginning of one that was not made void.
   static bool Begins(const DiskFile& file, int64_t place);
 
   // Keeps what the data has in the places of `pages`, page 0 among them, durably.
   void Write(const std::map<uint32_t, Page>& pages);
-  // Makes the data what it was before the commit, durably, and the record void.
+  // Makes the data what it was before the commit that was written last, durably, and the record
+  // void.
   void TakeBack();
-  // The same for a record that was found: a commit that is there as a whole stays, and so does a
-  // file that another program has changed since.
+  // The same for a commit that was found: one that is there as a whole stays, and so does a file
+  // that another program has changed since. Synchronises what stays as well, for whoever wrote it
+  // may have died before that.
   void Settle();
   void MakeVoid();
 
@@ -55,6 +57,7 @@ class RollbackRecord {
   int64_t place_;
   DiskFile& data_;
   bool name_is_durable_ = false;
+  bool is_durable_ = false;  // what was written last
 };
 
 // The value that follows `entry` as a user's entry of the commit table.

@@ -1,11 +1,10 @@
 #include "ambrelio/engine/jetfile/shared_file.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/open_file.h"
-#include "ambrelio/platform/file_in_use.h"
+#include "ambrelio/engine/jetfile/other_programs.h"
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::jetfile {
@@ -15,7 +14,6 @@ using dao::DaoError;
 using Access = SharedFile::Access;
 
 constexpr const char* kOpening = "DAO.Workspace";
-constexpr size_t kFirstBytes = 0x18;
 constexpr size_t kCommitTableBytes = 512;
 
 void RequireFolder(const std::string& path) {
@@ -37,60 +35,58 @@ bool IsAlone(Access access) {
              "where it and its folder may be written.");
 }
 
-const Format& FormatOf(const DiskFile& file) {
-  Bytes first(static_cast<size_t>(std::min<int64_t>(file.Size(), kFirstBytes)));
-  file.Read(0, first);
-  return RecogniseFormat({first, {}});
-}
-
 }  // namespace
 
 std::unique_ptr<SharedFile> SharedFile::Open(const std::string& path, std::string_view password,
                                              Access access, std::chrono::milliseconds wait) {
   RequireFolder(path);
-  RequireFile(path);
-  std::unique_ptr<SharedFile> file(new SharedFile(path, access));
-  file->OpenLocks(access, wait);
+  const Format& format = RecogniseFormat({FirstBytes(path), {}});
+  std::unique_ptr<SharedFile> file(new SharedFile(path, format));
+  file->OpenLocks(IsAlone(access), wait);
+  file->OpenData();
+  if (access == Access::kReadOnly || access == Access::kExclusiveReadOnly) file->read_only_ = true;
   const Moment moment = file->Read();
-  auto pages = std::make_unique<SharedPages>(*file->data_, file->format_->page_size);
-  file->pages_ = pages.get();
-  const size_t torn = static_cast<size_t>(file->data_->Size()) % file->format_->page_size;
-  file->file_.emplace(std::move(pages), torn, password);
-  file->seen_ = file->ReadStamp();
+  file->ReadHeader(password);
   return file;
 }
 
-SharedFile::SharedFile(const std::string& path, Access access)
-    : path_(path), full_path_(DiskFile::FullPath(path)) {
-  data_ = DiskFile::Open(full_path_, DiskFile::Mode::kExisting);
-  if (!data_) {
-    const bool held = IsHeldByAnother(path);
-    dao::Raise(held ? DaoError::kFileInUse : DaoError::kAccessDenied, kOpening, path);
-  }
-  format_ = &FormatOf(*data_);
-  read_only_ = access == Access::kReadOnly || access == Access::kExclusiveReadOnly ||
-               !data_->writable() || !format_->jet4;
-}
+SharedFile::SharedFile(const std::string& path, const Format& format)
+    : path_(path),
+      full_path_(DiskFile::FullPath(path)),
+      read_only_(!format.jet4),
+      format_(format) {}
 
-void SharedFile::OpenLocks(Access access, std::chrono::milliseconds wait) {
-  locks_ = FileLocks::Open(full_path_, IsAlone(access), wait);
-  if (locks_) {
-    read_only_ = read_only_ || !locks_->writable();
-    record_.emplace(locks_->rollback(), FileLocks::kRecordAt, *data_);
-    if (RollbackRecord::Begins(locks_->rollback(), FileLocks::kRecordAt)) PutRight();
-    return;
-  }
-  if (IsAlone(access)) dao::Raise(DaoError::kAccessDenied, kOpening, path_);
-  read_only_ = true;
+void SharedFile::OpenLocks(bool alone, std::chrono::milliseconds wait) {
+  locks_ = FileLocks::Open(full_path_, alone, wait);
+  if (alone) RefuseWhileOthersHaveIt(full_path_);
+  if (locks_) return;
+  if (alone) dao::Raise(DaoError::kAccessDenied, kOpening, path_);
   const std::string rollback = FileLocks::RollbackPath(full_path_);
   if (!std::filesystem::exists(FilePath(rollback))) return;
-  const auto file = DiskFile::Open(rollback, DiskFile::Mode::kExisting);
+  const auto file = DiskFile::Open(rollback);
   if (!file || RollbackRecord::Begins(*file, FileLocks::kRecordAt)) RefuseUnfinishedCommit(path_);
+}
+
+// Behind the locks, so that nobody can replace the file any more.
+void SharedFile::OpenData() {
+  data_ = DiskFile::Open(full_path_);
+  if (!data_) dao::Raise(DaoError::kAccessDenied, kOpening, path_);
+  if (!data_->writable() || !locks_ || !locks_->writable()) read_only_ = true;
+  if (locks_) record_.emplace(locks_->rollback(), FileLocks::kRecordAt, *data_);
+}
+
+void SharedFile::ReadHeader(std::string_view password) {
+  auto pages = std::make_unique<SharedPages>(*data_, format_.page_size);
+  pages_ = pages.get();
+  const size_t torn = static_cast<size_t>(data_->Size()) % format_.page_size;
+  file_.emplace(std::move(pages), torn, password);
+  seen_ = ReadStamp();
 }
 
 SharedFile::~SharedFile() { GiveBack(); }
 
-// A record of somebody who is still writing is not touched, for he has the turn.
+// Only who is overwriting pages has a record, and then there are no moments: one that is found in a
+// moment is left of somebody who died or failed.
 void SharedFile::PutRight() {
   if (!locks_->writable() || !data_->writable()) RefuseUnfinishedCommit(path_);
   const bool had_turn = locks_->has_turn();
@@ -112,7 +108,7 @@ void SharedFile::PutRight() {
 void SharedFile::EnterMoment() {
   if (locks_ && moments_ == 0) {
     locks_->Enter();
-    while (locks_->LeftInTheMiddle()) {
+    while (RollbackRecord::Begins(locks_->rollback(), FileLocks::kRecordAt)) {
       locks_->Leave();
       PutRight();
       locks_->Enter();
@@ -128,19 +124,26 @@ void SharedFile::LeaveMoment() {
 
 SharedFile::Stamp SharedFile::ReadStamp() const {
   Stamp stamp{locks_ ? locks_->Count() : 0, Bytes(kCommitTableBytes)};
-  data_->Read(static_cast<int64_t>(format_->commit_table_at), stamp.commit_table);
+  data_->Read(static_cast<int64_t>(format_.commit_table_at), stamp.commit_table);
   return stamp;
 }
 
-// Who is in the middle of a commit shows as a difference, and within the moment he is done.
+// A commit under way shows as a difference, and by the time of the moment it is done. In the turn
+// to write nobody else commits.
 bool SharedFile::ChangedByOthers() {
-  if (ReadStamp() == seen_) return false;
-  const Moment moment = Read();
-  Stamp now = ReadStamp();
-  if (now == seen_) return false;
+  if (!turn_ && ReadStamp() != seen_) {
+    const Moment moment = Read();
+    TakeNotice();
+  }
+  return std::exchange(changed_by_others_, false);
+}
+
+void SharedFile::TakeNotice() {
   file_->ForgetChanges();
+  Stamp now = ReadStamp();
+  if (now == seen_) return;
   seen_ = std::move(now);
-  return true;
+  changed_by_others_ = true;
 }
 
 }  // namespace ambrelio::jetfile

@@ -74,7 +74,8 @@ class SharedFile {
   void Unlock();
   // Puts the changes of file() on the disk: whole and durable, or not at all. The turn is kept, and
   // after a failure the changes are as well. Raises 3218 when somebody's moment does not end, 3045
-  // as Lock does, 3026 when the disk is full, 3043 when it fails.
+  // when a program of another kind has the file open or has changed it since Lock, 3026 when the
+  // disk is full, 3043 when it fails.
   void Commit();
 
  private:
@@ -85,12 +86,15 @@ class SharedFile {
     friend bool operator==(const Stamp&, const Stamp&) = default;
   };
 
-  SharedFile(const std::string& path, Access access);
-  void OpenLocks(Access access, std::chrono::milliseconds wait);
+  SharedFile(const std::string& path, const Format& format);
+  void OpenLocks(bool alone, std::chrono::milliseconds wait);
+  void OpenData();
+  void ReadHeader(std::string_view password);
   void PutRight();
   void EnterMoment();
   void LeaveMoment();
   Stamp ReadStamp() const;
+  void TakeNotice();
   std::map<uint32_t, Page> PagesToStore() const;
   void Overwrite(const std::map<uint32_t, Page>& pages);
   void WritePage(uint32_t number, std::span<const uint8_t> page);
@@ -101,7 +105,7 @@ class SharedFile {
   std::string path_;
   std::string full_path_;
   bool read_only_;
-  const Format* format_ = nullptr;
+  const Format& format_;
   std::unique_ptr<DiskFile> data_;
   std::unique_ptr<FileLocks> locks_;  // none where nobody can write
   std::optional<RollbackRecord> record_;
@@ -110,6 +114,7 @@ class SharedFile {
   int moments_ = 0;
   std::optional<Moment> turn_;  // the moment of the turn to write
   Stamp seen_;
+  bool changed_by_others_ = false;  // since that was asked for
 };
 
 }  // namespace ambrelio::jetfile

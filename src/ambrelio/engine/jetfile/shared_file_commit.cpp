@@ -18,7 +18,7 @@ void SharedFile::Lock() {
   locks_->TakeTurn();
   try {
     turn_.emplace(Read());
-    file_->ForgetChanges();
+    TakeNotice();
     RefuseWhileOthersHaveIt(full_path_);
     RefuseUnfinishedChange(path_, file_->header());
   } catch (...) {
@@ -37,7 +37,7 @@ void SharedFile::Unlock() {
 // What cannot be taken back now, the next one takes back, who finds the turn free.
 void SharedFile::GiveBack() {
   if (!locks_ || !locks_->has_turn()) return;
-  if (locks_->overwriting()) TryToTakeBack();
+  TryToTakeBack();
   locks_->GiveTurn();
   turn_.reset();
 }
@@ -47,10 +47,14 @@ void SharedFile::Commit() {
   if (locks_->overwriting()) TakeBack();
   if (file_->changes().empty()) return;
   RefuseWhileOthersHaveIt(full_path_);
+  if (ReadStamp().commit_table != seen_.commit_table) {
+    Refuse(DaoError::kFileInUse,
+           "The file '" + path_ + "' was changed by another program in the meantime.");
+  }
   const std::map<uint32_t, Page> pages = PagesToStore();
   try {
-    record_->Write(pages);
     locks_->BeginOverwriting();
+    record_->Write(pages);
     Overwrite(pages);
   } catch (...) {
     TryToTakeBack();
@@ -64,9 +68,9 @@ void SharedFile::Commit() {
 
 std::map<uint32_t, Page> SharedFile::PagesToStore() const {
   std::map<uint32_t, Page> pages = file_->StoredChanges();
-  const uint16_t old_entry = ViewOf(pages_->Read(0), 0).U16(format_->commit_table_at);
+  const uint16_t old_entry = ViewOf(pages_->Read(0), 0).U16(format_.commit_table_at);
   Bytes header = *file_->Read(0);
-  Put(header, format_->commit_table_at, NextCommit(old_entry), kEntryBytes);
+  Put(header, format_.commit_table_at, NextCommit(old_entry), kEntryBytes);
   pages[0] = std::make_shared<Bytes>(std::move(header));
   return pages;
 }
@@ -74,7 +78,7 @@ std::map<uint32_t, Page> SharedFile::PagesToStore() const {
 // An entry of zeros in the commit table tells other programs of a change under way.
 void SharedFile::Overwrite(const std::map<uint32_t, Page>& pages) {
   Bytes header = *pages_->Read(0);
-  Put(header, format_->commit_table_at, 0, kEntryBytes);
+  Put(header, format_.commit_table_at, 0, kEntryBytes);
   WritePage(0, header);
   for (const auto& [number, page] : pages) {
     if (number != 0) WritePage(number, *page);
@@ -98,16 +102,12 @@ void SharedFile::TakeBack() {
   pages_->Look();
 }
 
-// As long as no page was overwritten, the record alone is to go.
+// After another failure the record stays for the next attempt, and nobody may read before.
 void SharedFile::TryToTakeBack() {
   try {
-    if (locks_->overwriting()) {
-      TakeBack();
-    } else {
-      record_->MakeVoid();
-    }
+    if (locks_->overwriting()) TakeBack();
   } catch (const AutomationError&) {
-    // The record stays for the next attempt.
+    return;
   }
 }
 

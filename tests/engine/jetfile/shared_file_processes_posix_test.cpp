@@ -1,0 +1,181 @@
+// One file under the hands of several processes, and of one that dies at any point of a commit.
+#include <csignal>
+
+#include "engine/jetfile/shared_file_fixture.h"
+#include "support/error_of.h"
+#include "support/second_process.h"
+#include "support/watched_files.h"
+
+namespace ambrelio::jetfile {
+namespace {
+
+using test::ErrorOf;
+using test::SecondProcess;
+using testing::ElementsAre;
+
+constexpr std::chrono::milliseconds kAsLongAsItTakes = std::chrono::minutes(1);
+
+class SharedFileProcesses : public SharedFileTest {
+ protected:
+  SharedFileProcesses() { PutFile(Path(), SampleBytes("adox_jet4")); }
+};
+
+// Two pages that every commit changes together.
+constexpr uint32_t kFirst = 5;
+constexpr uint32_t kSecond = 9;
+
+uint32_t Counter(SharedFile& shared, uint32_t page) {
+  return ViewOf(shared.file().Read(page), page).U32(0);
+}
+
+// Counts up, and looks in between whether the pages agree. Throws when they do not.
+void CountUp(const std::string& path, int times) {
+  const auto shared = SharedFile::Open(path, "", SharedFile::Access::kShared, kAsLongAsItTakes);
+  for (; times > 0; --times) {
+    {
+      const SharedFile::Moment moment = shared->Read();
+      shared->ChangedByOthers();
+      if (Counter(*shared, kFirst) != Counter(*shared, kSecond)) throw std::runtime_error("torn");
+    }
+    shared->Lock();
+    Bytes page = *shared->file().Read(kFirst);
+    Put(page, 0, Counter(*shared, kFirst) + 1U, 4);
+    shared->file().Write(kFirst, page);
+    shared->file().Write(kSecond, page);
+    shared->file().Write(shared->file().page_count(), page);
+    shared->Commit();
+    shared->Unlock();
+  }
+}
+
+TEST_F(SharedFileProcesses, TakeTheirTurns) {
+  constexpr int kTimes = 15;
+  constexpr uint32_t kProcesses = 4;
+  Bytes bytes = FileBytes(Path());
+  for (const uint32_t page : {kFirst, kSecond}) Put(bytes, page * kJet4.page_size, 0, 4);
+  PutFile(Path(), bytes);
+  const auto work = [&](SecondProcess&) { CountUp(Path(), kTimes); };
+  {
+    SecondProcess second(folder_, work);
+    SecondProcess third(folder_, work);
+    SecondProcess fourth(folder_, work);
+    CountUp(Path(), kTimes);
+    EXPECT_TRUE(second.EndedWell());
+    EXPECT_TRUE(third.EndedWell());
+    EXPECT_TRUE(fourth.EndedWell());
+  }
+  const auto shared = Open();
+  EXPECT_EQ(Counter(*shared, kFirst), kProcesses * kTimes);
+  EXPECT_EQ(Counter(*shared, kSecond), kProcesses * kTimes);
+  EXPECT_EQ(shared->file().page_count(), bytes.size() / kJet4.page_size + kProcesses * kTimes);
+}
+
+TEST_F(SharedFileProcesses, LeaveTheirTurnWhenTheyDie) {
+  SecondProcess child(folder_, [&](SecondProcess& parent) {
+    const auto shared = Open();
+    shared->Lock();
+    MakeChanges(shared->file(), 1);
+    parent.Signal();
+    parent.Await();
+  });
+  ASSERT_TRUE(child.Await());
+  const Bytes before = FileBytes(Path());
+  const auto shared = Open();
+  EXPECT_NE(ErrorOf([&] { shared->Lock(); }), 0);
+  child.Kill();
+  EXPECT_EQ(ErrorOf([&] { shared->Lock(); }), 0);
+  EXPECT_EQ(FileBytes(Path()), before);
+}
+
+TEST_F(SharedFileProcesses, OfOtherUsersMayOpenWhatOneHasMade) {
+  using std::filesystem::perms;
+  constexpr perms kEverybody = perms::owner_read | perms::owner_write | perms::group_read |
+                               perms::group_write | perms::others_read | perms::others_write;
+  std::filesystem::permissions(Path(), kEverybody);
+  const auto shared = Open();
+  ASSERT_EQ(FilesInFolder().size(), 3U);
+  for (const std::string& name : FilesInFolder()) {
+    EXPECT_EQ(std::filesystem::status(folder_.File(name)).permissions(), kEverybody) << name;
+  }
+}
+
+TEST_F(SharedFileProcesses, MeetInOneFileThroughALink) {
+  const std::string link = folder_.File("link.mdb");
+  std::filesystem::create_symlink("mill.mdb", link);
+  const auto alone = Open(Access::kExclusive);
+  EXPECT_EQ(ErrorOf([&] { SharedFile::Open(link, "", Access::kShared, kShortly); }), 3045);
+}
+
+// A process that commits once, and dies just before its `change`th change of a file.
+class Dying {
+ public:
+  Dying(const test::TempFolder& folder, const std::string& path, uint32_t number, int change)
+      : process_(folder, [&](SecondProcess& parent) {
+          int left = 0;
+          const test::WatchedFiles files([&](const test::FileRequest& request) {
+            if (request.kind != test::FileRequest::kOpen && --left == 0) std::raise(SIGKILL);
+            return SQLITE_OK;
+          });
+          const auto shared =
+              SharedFile::Open(path, "", SharedFile::Access::kShared, kAsLongAsItTakes);
+          parent.Signal();
+          parent.Await();
+          left = change;
+          CommitChanges(*shared, number);
+        }) {}
+
+  bool AwaitOpening() { return process_.Await(); }
+  // Whether it came through.
+  bool Commit() {
+    process_.Signal();
+    return process_.EndedWell();
+  }
+
+ private:
+  SecondProcess process_;
+};
+
+TEST_F(SharedFileProcesses, ThatDieInACommitLeaveItToThoseWhoLive) {
+  constexpr uint32_t kCommit = 4;
+  const std::vector<Bytes> states = StatesOf(FileBytes(Path()), kCommit);
+  bool came_through = false;
+  int change = 0;
+  while (!came_through) {
+    SCOPED_TRACE(++change);
+    PutFile(Path(), states[kCommit - 1]);
+    Dying child(folder_, Path(), kCommit, change);
+    ASSERT_TRUE(child.AwaitOpening());
+    const auto shared = Open();
+    came_through = child.Commit();
+
+    const SharedFile::Moment moment = shared->Read();
+    const bool changed = shared->ChangedByOthers();
+    const Bytes bytes = FileBytes(Path());
+    ASSERT_TRUE(bytes == states[kCommit] || (bytes == states[kCommit - 1] && !came_through));
+    EXPECT_TRUE(changed || bytes == states[kCommit - 1]);
+    EXPECT_EQ(shared->file().page_count(), bytes.size() / kJet4.page_size);
+    EXPECT_EQ(shared->file().header().commits, JetFile::FromBytes(bytes, "").header().commits);
+  }
+  EXPECT_GT(change, 10);
+  EXPECT_THAT(FilesInFolder(), ElementsAre("mill.mdb"));
+}
+
+TEST_F(SharedFileProcesses, ThatDieInACommitLeaveItToTheNext) {
+  constexpr uint32_t kCommit = 4;
+  const std::vector<Bytes> states = StatesOf(FileBytes(Path()), kCommit);
+  bool came_through = false;
+  for (int change = 1; !came_through; ++change) {
+    SCOPED_TRACE(change);
+    PutFile(Path(), states[kCommit - 1]);
+    Dying child(folder_, Path(), kCommit, change);
+    ASSERT_TRUE(child.AwaitOpening());
+    came_through = child.Commit();
+    Open(change % 2 == 0 ? Access::kExclusive : Access::kReadOnly);
+    const Bytes bytes = FileBytes(Path());
+    ASSERT_TRUE(bytes == states[kCommit] || (bytes == states[kCommit - 1] && !came_through));
+    EXPECT_THAT(FilesInFolder(), ElementsAre("mill.mdb"));
+  }
+}
+
+}  // namespace
+}  // namespace ambrelio::jetfile
