@@ -2,11 +2,13 @@
 // and the file is sound.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
 #include "ambrelio/engine/jetfile/checker.h"
 #include "ambrelio/engine/jetfile/table_reader.h"
+#include "ambrelio/value/convert.h"
 #include "engine/jetfile/samples.h"
 #include "support/engine_test.h"
 
@@ -318,22 +320,28 @@ class JetSample : public test::EngineTest, public ::testing::WithParamInterface<
   JetFile file_;
 };
 
+// Keys may put the answers in another order.
 TEST_P(JetSample, ShowsTheRowsAsTheyAreStored) {
   const auto database = OpenSample(true);
   const jetfile::Catalogue catalogue = ReadCatalogue(file_);
   for (const auto* object : catalogue.UserObjects(jetfile::ObjectType::kTable)) {
     const auto definition = ReadDefinition(file_, object->definition_page());
-    jetfile::TableReader stored(file_, definition);
     const auto rows = database->OpenRecordset("select * from [" + object->name + "]");
-    for (; stored.Next(); rows->MoveNext()) {
-      ASSERT_FALSE(rows->AtEnd()) << object->name;
+    std::vector<std::vector<Variant>> shown;
+    for (; !rows->AtEnd(); rows->MoveNext()) {
+      shown.emplace_back();
+      for (int i = 0; i < rows->Fields().Count(); ++i) shown.back().push_back(rows->Value(i));
+    }
+    std::vector<std::vector<Variant>> expected;
+    for (jetfile::TableReader stored(file_, definition); stored.Next();) {
+      expected.emplace_back();
       for (int i = 0; i < rows->Fields().Count(); ++i) {
-        const std::string name = rows->Fields().Item(i)->Name();
-        EXPECT_EQ(rows->Value(i), stored.Value(*definition.FindColumn(name)))
-            << object->name << "." << name;
+        expected.back().push_back(
+            stored.Value(*definition.FindColumn(rows->Fields().Item(i)->Name())));
       }
     }
-    EXPECT_TRUE(rows->AtEnd()) << object->name;
+    EXPECT_TRUE(std::is_permutation(shown.begin(), shown.end(), expected.begin(), expected.end()))
+        << object->name;
   }
 }
 
@@ -346,13 +354,11 @@ TEST_P(JetSample, IsSoundAfterItsRowsWereWritten) {
   for (int i = 0; i < database->TableDefs().Count(); ++i) {
     const std::string table = "[" + database->TableDefs().Item(i)->Name() + "]";
     const int32_t count = CountRows(*database, database->TableDefs().Item(i)->Name());
-    workspace().BeginTrans();
-    if (ErrorOf([&] { database->Execute("delete from " + table, dao::kFailOnError); }) != 0) {
-      workspace().Rollback();  // an index of another language
-      continue;
-    }
-    workspace().CommitTrans();
-    EXPECT_EQ(database->RecordsAffected(), count);
+    // Of an index in another language, or with characters that are not known, nothing is changed.
+    const int error =
+        ErrorOf([&] { database->Execute("delete from " + table, dao::kFailOnError); });
+    EXPECT_THAT(error, ::testing::AnyOf(0, 3251)) << table;
+    EXPECT_EQ(CountRows(*database, database->TableDefs().Item(i)->Name()), error == 0 ? 0 : count);
   }
   database->Execute("create table [Nueva tabla ñ] (Id long primary key, Texto text(30))");
   database->Execute("insert into [Nueva tabla ñ] values (1, 'Peña')");
@@ -362,8 +368,8 @@ TEST_P(JetSample, IsSoundAfterItsRowsWereWritten) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, JetSample, ::testing::ValuesIn(jetfile::Samples()),
-                         [](const auto& info) {
-                           std::string name = info.param.name;
+                         [](const auto& sample) {
+                           std::string name = sample.param.name;
                            std::erase_if(name, [](char c) { return c == '-' || c == '_'; });
                            return name;
                          });

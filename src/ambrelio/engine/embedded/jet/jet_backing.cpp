@@ -255,9 +255,12 @@ void JetBacking::Write(const Catalogue& now, bool redefined) {
     if (!tables_.contains(id)) made.emplace(id, TableCopy(storage_, pages(), page));
   }
   for (const TableInfo& table : now.tables) {
-    const auto old = tables_.find(table.id);
-    const WrittenRows rows = WrittenRowsOf(table);
-    if (!rows.empty()) (old != tables_.end() ? old->second : made.at(table.id)).Save(table, rows);
+    const auto known = tables_.find(table.id);
+    TableCopy& copy = known != tables_.end() ? known->second : made.at(table.id);
+    // Rows of a table that had another name meanwhile, or none, are noted under that.
+    const bool renamed = known == tables_.end() || known_.FindTable(table.id)->name != table.name;
+    const WrittenRows rows = renamed ? copy.EveryRow(table) : written_[table.name];
+    if (!rows.empty()) copy.Save(table, rows);
   }
   if (redefined) changes_of_schema.AfterRows(definitions);
   const std::map<uint32_t, jetfile::Page> changes = pages().changes();
@@ -279,24 +282,6 @@ void JetBacking::Write(const Catalogue& now, bool redefined) {
   std::erase_if(tables_, [&](const auto& entry) { return !definitions.contains(entry.first); });
   Agree(now);
   digest_ = DigestOf(ReadJetCatalogue(pages()));
-}
-
-WrittenRows JetBacking::WrittenRowsOf(const TableInfo& table) const {
-  WrittenRows rows;
-  const auto add = [&](const std::string& name) {
-    if (const auto written = written_.find(name); written != written_.end()) {
-      rows.insert(written->second.begin(), written->second.end());
-    }
-  };
-  const TableInfo* const known = known_.FindTable(table.id);
-  if (known != nullptr) {
-    add(known->name);  // under which it was written before it was renamed
-    if (known->name != table.name) add(table.name);
-  } else {
-    add(table.name);
-    for (auto& [number, is_new] : rows) is_new = true;  // in a table of that name, dropped since
-  }
-  return rows;
 }
 
 }  // namespace ambrelio::embedded

@@ -48,7 +48,6 @@ class JetBacking final : public Backing {
   void Take(const JetCatalogue& catalogue);
   // Brings the storage's catalogue and rows into the pages of the file.
   void Write(const Catalogue& now, bool redefined);
-  WrittenRows WrittenRowsOf(const TableInfo& table) const;
   void Agree(const Catalogue& now);
 
   Storage& storage_;

@@ -7,6 +7,7 @@
 #include "ambrelio/engine/jetfile/new_file.h"
 #include "ambrelio/engine/jetfile/shared_file.h"
 #include "ambrelio/platform/atomic_file.h"
+#include "ambrelio/platform/clock.h"
 
 namespace ambrelio::embedded {
 namespace {
@@ -38,7 +39,7 @@ std::unique_ptr<Storage> OpenJet(const std::string& path, const std::string& pas
 }
 
 void CreateJet(const std::string& path, const std::string& password) {
-  const jetfile::Bytes bytes = jetfile::NewFile(password);
+  const jetfile::Bytes bytes = jetfile::NewFile(password, Clock::Current().Now());
   CreateWhole(path, [&](const std::string& unfinished) {
     WriteFileAtomically(unfinished, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   });

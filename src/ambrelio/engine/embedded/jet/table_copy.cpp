@@ -205,6 +205,19 @@ jetfile::TableChanges TableCopy::Changes(const TableInfo& table, const TableDefi
   return changes;
 }
 
+WrittenRows TableCopy::EveryRow(const TableInfo& table) {
+  WrittenRows rows;
+  StorageStatement here(
+      storage_.raw(), "select " + std::string(RowIdName(table)) + " from " + QuoteName(table.name));
+  while (here.Step()) rows[here.Integer(0)] = true;
+  if (!loaded_) return rows;
+  const TableDefinition definition = ReadDefinition(file_, definition_);
+  for (TableReader stored(file_, definition); stored.Next();) {
+    rows[places_.NumberOf(stored.identity())] = false;
+  }
+  return rows;
+}
+
 void TableCopy::Save(const TableInfo& table, const WrittenRows& rows) {
   inserted_.clear();
   deleted_.clear();

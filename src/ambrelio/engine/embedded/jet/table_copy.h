@@ -39,6 +39,8 @@ class TableCopy {
 
   // Raises an error when the file's table cannot be written.
   void CheckWritable();
+  // As if all rows here and in the file had been written.
+  WrittenRows EveryRow(const TableInfo& table);
   // Puts rows that were written in the storage into the pages of the file. Then Saved, when these
   // pages and all others that changed are on the disk.
   void Save(const TableInfo& table, const WrittenRows& rows);
