@@ -67,6 +67,8 @@ enum class DaoError : int {
   kTooManyFields = 3190,
   kFieldExists = 3191,
   kUnknownInsertTable = 3192,
+  kHasPartners = 3200,    // in a table on the other side of a relationship
+  kPartnerNeeded = 3201,  // there
   kDatabaseExists = 3204,
   kRecordLocked = 3218,
   kInvalidOperation = 3219,

@@ -8,7 +8,6 @@ namespace ambrelio::jetfile {
 namespace {
 
 constexpr size_t kFreeBytesAt = 2;
-constexpr size_t kNextPageAt = 4;
 constexpr size_t kPageHeaderBytes = 8;
 constexpr uint16_t kDefinitionPage = static_cast<uint16_t>(PageType::kDefinition);
 

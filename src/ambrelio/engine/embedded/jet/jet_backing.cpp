@@ -146,6 +146,7 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
   tables_ = std::move(tables);
   Agree(ReadCatalogue(storage_));
   digest_ = DigestOf(catalogue);
+  relationships_ = ReadRelationships(pages());
   for (const std::string& name : copied) Load(known_, name);
 }
 
@@ -218,6 +219,7 @@ void JetBacking::Save() {
   const bool redefined = ReadStamp(storage_) != stamp_;
   if (!redefined && written_.empty()) return;
   if (file_->read_only()) dao::Raise(DaoError::kReadOnly, "DAO.Workspace");
+  CheckRelationships();
   const std::map<uint32_t, jetfile::Page> before = pages().changes();
   try {
     Write(Now(), redefined);
@@ -227,6 +229,18 @@ void JetBacking::Save() {
     throw;
   }
   written_.clear();
+}
+
+void JetBacking::CheckRelationships() {
+  for (const Relationship& relationship : relationships_) {
+    if (!written_.contains(relationship.child) && !written_.contains(relationship.parent)) continue;
+    const Catalogue now = Now();
+    const TableInfo* const child = now.FindTable(relationship.child);
+    if (child == nullptr || now.FindTable(relationship.parent) == nullptr) continue;
+    Load(now, relationship.child);
+    Load(now, relationship.parent);
+    CheckRelationship(storage_, relationship, *child, written_);
+  }
 }
 
 void JetBacking::SaveAll() {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ambrelio/engine/embedded/jet/jet_catalogue.h"
+#include "ambrelio/engine/embedded/jet/relationships.h"
 #include "ambrelio/engine/embedded/jet/table_copy.h"
 #include "ambrelio/engine/embedded/storage/backing.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
@@ -49,6 +50,7 @@ class JetBacking final : public Backing {
   // Brings the storage's catalogue and rows into the pages of the file.
   void Write(const Catalogue& now, bool redefined);
   void Agree(const Catalogue& now);
+  void CheckRelationships();
 
   Storage& storage_;
   std::unique_ptr<jetfile::SharedFile> file_;
@@ -65,6 +67,7 @@ class JetBacking final : public Backing {
   std::string stamp_;
   std::string digest_;
   std::map<int64_t, TableCopy> tables_;
+  std::vector<Relationship> relationships_;  // of the file
   // By the tables' names, since the transaction began.
   std::map<std::string, WrittenRows> written_;
 };
