@@ -22,7 +22,6 @@ constexpr size_t kPasswordAt = 0x42;
 constexpr size_t kJet3PasswordBytes = 20;
 constexpr size_t kJet4PasswordBytes = 40;
 constexpr size_t kLanguageAt = 0x6E;
-constexpr size_t kCreatedAt = 0x72;
 constexpr size_t kCommitEntries = 256;
 constexpr uint32_t kMaskKey = 0x6B39DAC7;
 
@@ -99,7 +98,7 @@ Header ParseHeader(ByteView page) {
   header.key = view.U32(kKeyAt);
   if (format.jet4) {
     header.language = view.U16(kLanguageAt);
-    header.created = view.F64(kCreatedAt);
+    header.created = view.F64(format.created_at);
     header.password =
         Jet4Password(view.Part(kPasswordAt, kJet4PasswordBytes), PasswordMask(header.created));
   } else {
