@@ -99,6 +99,20 @@ TEST_F(SharedFileProcesses, OfOtherUsersMayOpenWhatOneHasMade) {
   }
 }
 
+TEST_F(SharedFileProcesses, DoNotMeetInAFileThatTheLastOneTakesAway) {
+  const std::string presence = Path() + "-lock";
+  bool taken_away = false;
+  const test::WatchedFiles files([&](const test::FileRequest& request) {
+    const bool opened = request.kind == test::FileRequest::kOpen && request.path == presence;
+    if (opened && !std::exchange(taken_away, true)) std::filesystem::remove(presence);
+    return SQLITE_OK;
+  });
+  const auto shared = Open();
+  EXPECT_TRUE(taken_away);
+  EXPECT_TRUE(std::filesystem::exists(presence));
+  EXPECT_EQ(ErrorOf([&] { Open(Access::kExclusive); }), 3045);
+}
+
 TEST_F(SharedFileProcesses, MeetInOneFileThroughALink) {
   const std::string link = folder_.File("link.mdb");
   std::filesystem::create_symlink("mill.mdb", link);

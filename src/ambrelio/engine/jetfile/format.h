@@ -24,6 +24,7 @@ struct Format {
   // Page 0.
   size_t masked_bytes;
   size_t commit_table_at;
+  size_t created_at;  // 0 where it is not kept
 
   size_t entry_space() const { return page_size - entries_at; }
 };
@@ -40,7 +41,8 @@ inline constexpr Format kJet3 = {.jet4 = false,
                                  .entries_at = 248,
                                  .inline_map_bytes = 128,
                                  .masked_bytes = 126,
-                                 .commit_table_at = 0x600};
+                                 .commit_table_at = 0x600,
+                                 .created_at = 0};
 inline constexpr Format kJet4 = {.jet4 = true,
                                  .page_size = 4096,
                                  .row_count_at = 12,
@@ -53,7 +55,8 @@ inline constexpr Format kJet4 = {.jet4 = true,
                                  .entries_at = 480,
                                  .inline_map_bytes = 64,
                                  .masked_bytes = 128,
-                                 .commit_table_at = 0xE00};
+                                 .commit_table_at = 0xE00,
+                                 .created_at = 0x72};
 
 // The first 16 bits of a page.
 enum class PageType : uint16_t {

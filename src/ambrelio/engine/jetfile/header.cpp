@@ -26,7 +26,6 @@ constexpr size_t kJet4PasswordBytes = 40;
 constexpr size_t kBuildAt = 0x6A;
 constexpr size_t kLanguageAt = 0x6E;
 constexpr size_t kSortIdAt = 0x70;
-constexpr size_t kCreatedAt = 0x72;
 constexpr size_t kCommitEntries = 256;
 constexpr uint32_t kMaskKey = 0x6B39DAC7;
 // Behind the part that is masked stand two constants.
@@ -130,7 +129,7 @@ Header ParseHeader(ByteView page) {
     header.language = view.U16(kLanguageAt);
     header.sort_id = view.U8(kSortIdAt);
     header.collation_version = view.U8(kSortIdAt + 1);
-    header.created = view.F64(kCreatedAt);
+    header.created = view.F64(format.created_at);
     header.password =
         Jet4Password(view.Part(kPasswordAt, kJet4PasswordBytes), PasswordMask(header.created));
   } else {
@@ -161,7 +160,7 @@ Bytes NewHeader(double created, std::string_view password) {
   std::copy(field.begin(), field.end(), page.begin() + kPasswordAt);
   Put(page, kBuildAt, kBuild, 4);
   Put(page, kLanguageAt, kNewFileLanguage, 2);
-  Put(page, kCreatedAt, std::bit_cast<uint64_t>(created), 8);
+  Put(page, kJet4.created_at, std::bit_cast<uint64_t>(created), 8);
   MaskHeader(page, kJet4);
   Put(page, kFirstConstantAt, kFirstConstant, 4);
   put_text(kFormatNameAt, kFormatName);

@@ -26,6 +26,7 @@ constexpr size_t kCheckBytes = 8;
 constexpr size_t kPageBytes = kJet4.page_size;
 constexpr size_t kCommitTableAt = kJet4.commit_table_at;
 constexpr size_t kCommitTableBytes = 512;
+constexpr size_t kCreatedBytes = 8;
 
 int64_t PlaceOfPage(uint32_t page) {
   return static_cast<int64_t>(page) * static_cast<int64_t>(kPageBytes);
@@ -131,8 +132,9 @@ bool RollbackRecord::IsCommitted(const Contents& contents) const {
   });
 }
 
-// A commit changes nothing in the commit table but entry 0. Its two bytes can be the old ones, the
-// zeros of a change under way or the new ones, and after a power cut some of each.
+// A commit leaves the date of creation, and in the commit table everything but entry 0. Its two
+// bytes can be the old ones, the zeros of a change under way or the new ones, and after a power cut
+// some of each.
 bool RollbackRecord::IsOfThisData(const Contents& contents) const {
   Bytes old_page(kPageBytes);
   file_.Read(contents.entries.front().old_at, old_page);
@@ -141,13 +143,16 @@ bool RollbackRecord::IsOfThisData(const Contents& contents) const {
   const Bytes page = DataPage(0);
   const std::span<const uint8_t> table =
       std::span<const uint8_t>(page).subspan(kCommitTableAt, kCommitTableBytes);
+  const std::span<const uint8_t> created =
+      std::span<const uint8_t>(page).subspan(kJet4.created_at, kCreatedBytes);
 
   const uint16_t next = NextCommit(ByteView(old_page, {}).U16(kCommitTableAt));
   for (size_t i = 0; i < sizeof next; ++i) {
     const auto new_byte = static_cast<uint8_t>(next >> (8 * i));
     if (table[i] != old_table[i] && table[i] != 0 && table[i] != new_byte) return false;
   }
-  return std::equal(table.begin() + sizeof next, table.end(), old_table.begin() + sizeof next);
+  return std::equal(table.begin() + sizeof next, table.end(), old_table.begin() + sizeof next) &&
+         std::equal(created.begin(), created.end(), old_page.begin() + kJet4.created_at);
 }
 
 // Page 0 comes last: until then it can say that a change is under way.
