@@ -5,6 +5,7 @@
 #include "ambrelio/engine/embedded/storage/integrity.h"
 #include "ambrelio/engine/embedded/storage/password.h"
 #include "ambrelio/engine/jetfile/checker.h"
+#include "ambrelio/engine/jetfile/shared_file.h"
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::engine {
@@ -20,9 +21,11 @@ bool IsJetFile(const std::string& path) {
 }
 
 std::vector<CheckFinding> CheckJetFile(const std::string& path, const std::string& password) {
-  const auto file = jetfile::JetFile::Open(path, password);
+  const auto file =
+      jetfile::SharedFile::Open(path, password, jetfile::SharedFile::Access::kReadOnly);
+  const auto moment = file->Read();
   std::vector<CheckFinding> findings;
-  for (jetfile::Finding& finding : jetfile::Check(file)) {
+  for (jetfile::Finding& finding : jetfile::Check(file->file())) {
     findings.push_back({finding.place.page, finding.place.offset, std::move(finding.text)});
   }
   return findings;
