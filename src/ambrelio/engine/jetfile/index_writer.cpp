@@ -3,9 +3,6 @@
 #include <algorithm>
 
 #include "ambrelio/engine/jetfile/damage.h"
-#include "ambrelio/engine/jetfile/page_allocator.h"
-#include "ambrelio/engine/jetfile/usage_map.h"
-#include "ambrelio/engine/jetfile/usage_map_writer.h"
 
 namespace ambrelio::jetfile {
 namespace {
@@ -223,55 +220,8 @@ void IndexWriter::ShrinkRoot() {
   pages_.Save(std::move(root));
 }
 
-void IndexWriter::Build(std::vector<IndexEntry> entries) {
-  IndexItems items;
-  items.reserve(entries.size());
-  for (const IndexEntry& entry : entries) items.push_back(BytesOfEntry(entry));
-  std::sort(items.begin(), items.end());
-  bool leaf = true;
-  while (!IndexFit(items, leaf).Fits(0, items.size())) {
-    items = BuildLevel(std::move(items), leaf);
-    leaf = false;
-  }
-  if (items.empty()) return;
-  IndexPage root = pages_.Take(root_);
-  root.leaf = leaf;
-  PutItems(root, std::move(items));
-  pages_.Save(std::move(root));
-}
-
-// Gives the pages of a level as the items of the one above.
-IndexItems IndexWriter::BuildLevel(IndexItems items, bool leaf) {
-  const IndexFit fit(items, leaf);
-  IndexItems above;
-  IndexPage page = pages_.NewPage(leaf);
-  for (size_t first = 0, count = 0; first < items.size(); first += count) {
-    count = fit.Fill(first);
-    if (first > 0) {
-      IndexPage next = pages_.NewBehind(page);
-      pages_.Save(std::move(page));
-      page = std::move(next);
-    }
-    const auto begin = items.begin() + static_cast<std::ptrdiff_t>(first);
-    above.push_back(PutItems(page, {begin, begin + static_cast<std::ptrdiff_t>(count)}));
-  }
-  pages_.Save(std::move(page));
-  return above;
-}
-
-uint32_t NewIndexRoot(JetFile& file, uint32_t table_page, RowPointer map) {
-  IndexPages pages(file, table_page, map);
-  IndexPage root = pages.NewPage(true);
-  const uint32_t number = root.number;
-  pages.Save(std::move(root));
-  return number;
-}
-
-void FreeIndexPages(JetFile& file, const IndexDefinition& index) {
-  for (const uint32_t page : ReadUsageMap(file, index.map).pages) {
-    RemoveFromMap(file, index.map, page);
-    FreePage(file, page);
-  }
+void IndexWriter::Build(const std::vector<IndexEntry>& entries) {
+  BuildIndex(pages_, root_, entries);
 }
 
 }  // namespace ambrelio::jetfile

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "ambrelio/engine/jetfile/index_pages.h"
+#include "ambrelio/engine/jetfile/index_builder.h"
 
 namespace ambrelio::jetfile {
 
@@ -24,7 +24,7 @@ class IndexWriter {
   // Whether there is an entry of exactly this key. Raises Damage.
   bool Contains(std::span<const uint8_t> key) const;
   // Fills an index that is empty, its leaves to the brim.
-  void Build(std::vector<IndexEntry> entries);
+  void Build(const std::vector<IndexEntry>& entries);
 
  private:
   // Changes the entries of the leaf where `entry` belongs; says whether it did.
@@ -40,16 +40,9 @@ class IndexWriter {
   bool HasOneChild(uint32_t number) const;
   void GrowRoot(IndexItems children);
   void ShrinkRoot();
-  IndexItems BuildLevel(IndexItems items, bool leaf);
 
   IndexPages pages_;
   uint32_t root_;
 };
-
-// A page that is an empty index, added to its map.
-uint32_t NewIndexRoot(JetFile& file, uint32_t table_page, RowPointer map);
-
-// Gives all pages of an index back, and empties its map.
-void FreeIndexPages(JetFile& file, const IndexDefinition& index);
 
 }  // namespace ambrelio::jetfile

@@ -16,6 +16,7 @@ struct UsageMapLayout {
   static constexpr size_t kStartAt = 1;
   static constexpr size_t kInlineBitsAt = 5;
   static constexpr size_t kPointersAt = 1;
+  static constexpr size_t kPointerBytes = 4;
   static constexpr size_t kBitmapBitsAt = 4;
 
   // The pages that one page of bits stands for.
