@@ -122,7 +122,8 @@ TEST(DropIndex, GivesItsPagesBack) {
 
 TEST(DropIndex, LeavesATreeThatAnotherNameUses) {
   JetFile file = CopyOf("indexTestV2000");
-  for (const auto& [name, page] : UserTables(file)) {
+  for (const auto& table : UserTables(file)) {
+    const uint32_t page = table.second;
     const TableDefinition before = ReadDefinition(file, page);
     for (const IndexName& index : before.index_names) {
       if (index.side != 0) {

@@ -1,6 +1,7 @@
 #include "engine/jetfile/table_model.h"
 
 #include "ambrelio/engine/jetfile/catalogue.h"
+#include "ambrelio/engine/jetfile/rc4.h"
 #include "ambrelio/engine/jetfile/table_reader.h"
 
 namespace ambrelio::jetfile {
@@ -40,12 +41,16 @@ std::string CheckText(const JetFile& file) {
   return text;
 }
 
-Bytes StoredBytes(JetFile& file) {
-  for (uint32_t number = 0; number < file.page_count(); ++number) {
-    file.Write(number, *file.Read(number));
-  }
+Bytes StoredBytes(const JetFile& file) {
   Bytes bytes;
-  for (const auto& [number, page] : file.StoredChanges()) Append(bytes, *page);
+  const auto changes = file.StoredChanges();
+  for (uint32_t number = 0; number < file.page_count(); ++number) {
+    const auto change = changes.find(number);
+    Bytes page = change != changes.end() ? *change->second : *file.Read(number);
+    const bool in_clear = change == changes.end() && file.header().key != 0 && number != 0;
+    if (in_clear) Rc4(file.header().key ^ number, page);
+    Append(bytes, page);
+  }
   return bytes;
 }
 

@@ -24,8 +24,8 @@ std::map<std::string, uint32_t> UserTables(const JetFile& file);
 // What the checker says against a file, a line each; "" for a sound one.
 std::string CheckText(const JetFile& file);
 
-// The file as it would be on a disk, all of its pages written.
-Bytes StoredBytes(JetFile& file);
+// The file as it would be on a disk.
+Bytes StoredBytes(const JetFile& file);
 
 // Values of any kind, many of them Null, some of them long; the texts are such as an index can
 // have.

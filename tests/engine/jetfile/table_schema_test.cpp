@@ -242,9 +242,9 @@ TEST(DropTable, EmptiesEverySampleWithoutRelationships) {
     if (!sample.jet4) continue;
     SCOPED_TRACE(sample);
     JetFile file = JetFile::FromBytes(SampleBytes(sample.name), sample.password);
-    for (const auto& [name, page] : UserTables(file)) {
-      test::ErrorOf([&] { DropTable(file, page); });
-      ASSERT_EQ(CheckText(file), "") << name;
+    for (const auto& table : UserTables(file)) {
+      test::ErrorOf([&] { DropTable(file, table.second); });
+      ASSERT_EQ(CheckText(file), "") << table.first;
     }
     EXPECT_EQ(UserTables(file).empty(), UserRelationships(file).empty());
   }

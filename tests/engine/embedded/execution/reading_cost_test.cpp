@@ -52,8 +52,8 @@ constexpr const char* kOrdered[] = {
     "select * from D",
     "select * from D where Tolva=1 order by Descarga",
     "select Descarga from D order by Tolva desc, Descarga desc, Deposito desc",
-    "select a.Kilos from D as a inner join D as b on a.Tolva = b.Tolva and "
-    "a.Descarga = b.Descarga and a.Deposito = b.Deposito where a.Tolva = 2 order by a.Descarga",
+    ("select a.Kilos from D as a inner join D as b on a.Tolva = b.Tolva and "
+     "a.Descarga = b.Descarga and a.Deposito = b.Deposito where a.Tolva = 2 order by a.Descarga"),
 };
 
 TEST_F(ReadingCost, TheFirstRowCostsNoMoreThanItself) {
