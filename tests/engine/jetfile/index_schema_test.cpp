@@ -139,7 +139,7 @@ TEST(DropIndex, LeavesATreeThatAnotherNameUses) {
       const TableDefinition after = ReadDefinition(copy, page);
       EXPECT_EQ(after.indexes.size(), before.indexes.size() - (users == 1 ? 1 : 0));
       EXPECT_EQ(after.index_names.size(), before.index_names.size() - 1);
-      ASSERT_EQ(CheckText(copy), "") << name << '.' << index.name;
+      ASSERT_EQ(CheckText(copy), "") << table.first << '.' << index.name;
     }
   }
 }
