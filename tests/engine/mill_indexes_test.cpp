@@ -39,7 +39,7 @@ class MillIndexesTest : public ::testing::Test {
   }
 
   test::TempFolder folder_;
-  std::string path_ = folder_.File("oliva.mdb");
+  std::string path_ = folder_.File("oliva.sqlite");
   std::unique_ptr<embedded::Storage> storage_;
 };
 

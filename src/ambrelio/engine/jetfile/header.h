@@ -45,7 +45,7 @@ Bytes NewHeader(double created, std::string_view password);
 // Masks the part of page 0 that is kept masked, or unmasks it.
 void MaskHeader(std::span<uint8_t> page, const Format& format);
 
-// Raises 3031 unless `password` is exactly the file's.
+// Raises 3031 unless `password` is exactly the file's, or the file has none.
 void CheckPassword(const Header& header, std::string_view password);
 
 }  // namespace ambrelio::jetfile

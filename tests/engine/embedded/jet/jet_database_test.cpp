@@ -319,10 +319,12 @@ class JetRelationships : public JetDatabase {
 TEST_F(JetRelationships, NeedAPartnerForARowOfTheChild) {
   const auto rows = RowsOf(*database_, "Table1");
   EXPECT_EQ(ErrorOf([&] { Run(*database_, "update Table1 set otherfk1 = 777"); }), 3201);
-  EXPECT_EQ(ErrorOf([&] { Run(*database_, "insert into Table1 (id, otherfk2) values (99, 777)"); }),
+  EXPECT_EQ(ErrorOf([&] {
+              Run(*database_, "insert into Table1 (id, otherfk1, otherfk2) values (99, Null, 777)");
+            }),
             3201);
   EXPECT_THAT(StoredRows("Table1"), ::testing::ElementsAreArray(rows));
-  Run(*database_, "insert into Table1 (id) values (99)");
+  Run(*database_, "insert into Table1 (id, otherfk1, otherfk2) values (99, Null, Null)");
   EXPECT_EQ(CountRows(*database_, "Table1"), static_cast<int32_t>(rows.size()) + 1);
 }
 

@@ -136,11 +136,15 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
   storage_.Run("delete from \"jet.copied\"");
   std::map<int64_t, TableCopy> tables;
   for (TableInfo table : catalogue.catalogue.tables) {
+    KeepIds(table, catalogue.definitions.at(table.name));
     InsertTable(storage_, table);
     CreateStored(storage_, table);
     tables.emplace(table.id, TableCopy(storage_, pages(), catalogue.definitions.at(table.name)));
   }
-  for (const QueryInfo& query : catalogue.catalogue.queries) InsertQueryRow(storage_, query);
+  for (QueryInfo query : catalogue.catalogue.queries) {
+    if (const QueryInfo* const known = known_.FindQuery(query.name)) query.id = known->id;
+    InsertQueryRow(storage_, query);
+  }
   Restamp(storage_);
   copying.Complete();
   tables_ = std::move(tables);
@@ -148,6 +152,22 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
   digest_ = DigestOf(catalogue);
   relationships_ = ReadRelationships(pages());
   for (const std::string& name : copied) Load(known_, name);
+}
+
+// Who holds a definition knows it by its id.
+void JetBacking::KeepIds(TableInfo& table, uint32_t definition) const {
+  const auto known = std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) {
+    return entry.second.definition() == definition;
+  });
+  if (known == tables_.end()) return;
+  const TableInfo& old = *known_.FindTable(known->first);
+  table.id = old.id;
+  for (FieldInfo& field : table.fields) {
+    if (const FieldInfo* const same = old.FindField(field.name)) field.id = same->id;
+  }
+  for (IndexInfo& index : table.indexes) {
+    if (const IndexInfo* const same = old.FindIndex(index.name)) index.id = same->id;
+  }
 }
 
 void JetBacking::Agree(const Catalogue& now) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/jet/jet_backing.h"
 #include "ambrelio/engine/embedded/storage/storage_file.h"
 #include "ambrelio/engine/jetfile/new_file.h"
@@ -41,7 +42,11 @@ std::unique_ptr<Storage> OpenJet(const std::string& path, const std::string& pas
 void CreateJet(const std::string& path, const std::string& password) {
   const jetfile::Bytes bytes = jetfile::NewFile(password, Clock::Current().Now());
   CreateWhole(path, [&](const std::string& unfinished) {
-    WriteFileAtomically(unfinished, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    try {
+      WriteFileAtomically(unfinished, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    } catch (const AutomationError&) {
+      dao::Raise(dao::DaoError::kAccessDenied, "DAO.Workspace", path);
+    }
   });
 }
 

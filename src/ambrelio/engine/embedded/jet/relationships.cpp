@@ -31,7 +31,8 @@ bool HasOldRows(const WrittenRows& rows) {
 
 std::vector<Relationship> ReadRelationships(const jetfile::JetFile& file) {
   std::map<std::string, Relationship> by_name;
-  for (const jetfile::RelationshipColumn& column : ReadCatalogue(file).relationships) {
+  const jetfile::Catalogue catalogue = ReadCatalogue(file);
+  for (const jetfile::RelationshipColumn& column : catalogue.relationships) {
     if (!column.enforced()) continue;
     Relationship& relationship = by_name[column.name];
     relationship.child = column.table;

@@ -35,8 +35,8 @@ class Backing {
   // Puts everything that the transaction has changed into the file, at one stroke and to stay.
   virtual void Save() = 0;
   // From now on Save may leave waiting for the disk to SaveAll, which the end of a stretch calls.
-  // Until then nobody else sees what was saved. SaveAll raises what the disk does (3026, 3043), with
-  // nothing of the stretch in the file.
+  // Until then nobody else sees what was saved. SaveAll raises what the disk does (3026, 3043),
+  // with nothing of the stretch in the file.
   virtual void PutOffSaving() = 0;
   virtual void SaveAll() = 0;
   // The storage has rolled back, all of the transaction or a level of it.

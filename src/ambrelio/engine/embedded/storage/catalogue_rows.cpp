@@ -124,25 +124,28 @@ Catalogue ReadCatalogue(Storage& storage) {
 }
 
 void InsertTable(Storage& storage, TableInfo& table) {
-  table.id = Insert(storage, "insert into \"jet.tables\"(name) values(?)", table.name);
+  table.id = Insert(storage, "insert into \"jet.tables\"(id, name) values(nullif(?, 0), ?)",
+                    table.id, table.name);
   for (FieldInfo& field : table.fields) field.id = InsertFieldRow(storage, table.id, field);
   for (IndexInfo& index : table.indexes) index.id = InsertIndexRows(storage, table, index);
 }
 
 int64_t InsertFieldRow(Storage& storage, int64_t table, const FieldInfo& field) {
   return Insert(storage,
-                "insert into \"jet.fields\"(table_id, name, type, size, position, attributes,"
-                " required, zero_length, default_value) values(?, ?, ?, ?, ?, ?, ?, ?, ?)",
-                table, field.name, static_cast<int>(field.type), field.size, field.position,
-                field.attributes, field.required, field.allow_zero_length, field.default_value);
+                "insert into \"jet.fields\"(id, table_id, name, type, size, position, attributes,"
+                " required, zero_length, default_value)"
+                " values(nullif(?, 0), ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                field.id, table, field.name, static_cast<int>(field.type), field.size,
+                field.position, field.attributes, field.required, field.allow_zero_length,
+                field.default_value);
 }
 
 int64_t InsertIndexRows(Storage& storage, const TableInfo& table, const IndexInfo& index) {
-  const int64_t id =
-      Insert(storage,
-             "insert into \"jet.indexes\"(table_id, name, is_primary, is_unique, ignore_nulls,"
-             " required) values(?, ?, ?, ?, ?, ?)",
-             table.id, index.name, index.primary, index.unique, index.ignore_nulls, index.required);
+  const int64_t id = Insert(storage,
+                            "insert into \"jet.indexes\"(id, table_id, name, is_primary, is_unique,"
+                            " ignore_nulls, required) values(nullif(?, 0), ?, ?, ?, ?, ?, ?)",
+                            index.id, table.id, index.name, index.primary, index.unique,
+                            index.ignore_nulls, index.required);
   int place = 0;
   for (const IndexColumn& column : index.columns) {
     Write(storage, "insert into \"jet.index_columns\" values(?, ?, ?, ?)", id, place++,
@@ -152,8 +155,8 @@ int64_t InsertIndexRows(Storage& storage, const TableInfo& table, const IndexInf
 }
 
 int64_t InsertQueryRow(Storage& storage, const QueryInfo& query) {
-  return Insert(storage, "insert into \"jet.queries\"(name, sql) values(?, ?)", query.name,
-                query.sql);
+  return Insert(storage, "insert into \"jet.queries\"(id, name, sql) values(nullif(?, 0), ?, ?)",
+                query.id, query.name, query.sql);
 }
 
 void UpdateTableRow(Storage& storage, int64_t id, const std::string& name) {

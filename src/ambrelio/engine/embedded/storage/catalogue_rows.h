@@ -13,10 +13,10 @@ namespace ambrelio::embedded {
 // All of them, as one moment saw them.
 Catalogue ReadCatalogue(Storage& storage);
 
-// All rows of a new table, which gets its ids.
+// All rows of a table, which gets its ids.
 void InsertTable(Storage& storage, TableInfo& table);
 
-// Each gives the id of the new row.
+// Each gives the id of the new row: the one that it has, or a new one for 0.
 int64_t InsertFieldRow(Storage& storage, int64_t table, const FieldInfo& field);
 // `table` gives the ids of the index's fields.
 int64_t InsertIndexRows(Storage& storage, const TableInfo& table, const IndexInfo& index);

@@ -147,9 +147,11 @@ TableInfo CheckedTable(const TableInfo& table) {
   checked.name = table.name;
   for (const FieldInfo& field : table.fields) {
     checked.fields.push_back(CheckedField(checked, field));
+    checked.fields.back().id = 0;  // whatever table the definition comes from
   }
   for (const IndexInfo& index : table.indexes) {
     checked.indexes.push_back(CheckedIndex(checked, index));
+    checked.indexes.back().id = 0;
   }
   return checked;
 }

@@ -136,7 +136,9 @@ void CatalogueStore::DropTable(std::string_view name) {
 
 void CatalogueStore::AddField(std::string_view table, const FieldInfo& field) {
   ChangeTable(table, [&](const TableInfo& before) {
-    InsertFieldRow(storage_, before.id, CheckedField(before, field));
+    FieldInfo made = CheckedField(before, field);
+    made.id = 0;
+    InsertFieldRow(storage_, before.id, made);
   });
 }
 
@@ -169,7 +171,9 @@ void CatalogueStore::ChangeField(std::string_view table, std::string_view field,
 
 void CatalogueStore::CreateIndex(std::string_view table, const IndexInfo& index) {
   ChangeTable(table, [&](const TableInfo& before) {
-    InsertIndexRows(storage_, before, CheckedIndex(before, index));
+    IndexInfo made = CheckedIndex(before, index);
+    made.id = 0;
+    InsertIndexRows(storage_, before, made);
   });
 }
 
