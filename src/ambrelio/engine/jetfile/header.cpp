@@ -176,7 +176,8 @@ void MaskHeader(std::span<uint8_t> page, const Format& format) {
 }
 
 void CheckPassword(const Header& header, std::string_view password) {
-  if (password != header.password) dao::Raise(dao::DaoError::kWrongPassword, "DAO.Workspace");
+  if (header.password.empty() || header.password == password) return;
+  dao::Raise(dao::DaoError::kWrongPassword, "DAO.Workspace");
 }
 
 }  // namespace ambrelio::jetfile
