@@ -20,8 +20,7 @@ JetEngine ChosenForJet() {
   if (choice.empty()) return JetEngine::kDaoIfThere;
   if (choice == "dao") return JetEngine::kDao;
   if (choice == "own") return JetEngine::kOwn;
-  Raise(RuntimeError::kInvalidCall,
-        "AMBRELIO_JET is dao or own, not " + std::string(choice));
+  Raise(RuntimeError::kInvalidCall, "AMBRELIO_JET is dao or own, not " + std::string(choice));
 }
 
 }  // namespace

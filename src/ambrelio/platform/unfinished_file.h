@@ -7,8 +7,9 @@
 
 namespace ambrelio {
 
-// The file is made under a name of its own beside its place, with the same extension. What is left under that name at the
-// end goes, and so do its companions, which have the same name with a suffix behind it.
+// The file is made under a name of its own beside its place, with the same extension. What is left
+// under that name at the end goes, and so do its companions, which have the same name with a suffix
+// behind it.
 class UnfinishedFile {
  public:
   explicit UnfinishedFile(std::string place, std::vector<std::string> companions = {});
