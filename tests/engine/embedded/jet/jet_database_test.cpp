@@ -100,6 +100,17 @@ TEST_F(JetDatabase, ChangesAndDeletesRows) {
   EXPECT_THAT(Findings(), IsEmpty());
 }
 
+TEST_F(JetDatabase, DeletesAllRowsOfATableThatWasNotReadBefore) {
+  {
+    const auto database = Create();
+    AddTanks(*database);
+    for (int i = 1; i <= 10; ++i) AddTank(*database, i);
+  }
+  Run(*Open(), "delete from Tanques");
+  EXPECT_THAT(StoredRows("Tanques"), IsEmpty());
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
 TEST_F(JetDatabase, WritesNothingThatIsRolledBack) {
   const auto database = Create();
   AddTanks(*database);

@@ -70,7 +70,7 @@ TEST_F(Differential, RandomStatementsOverRandomTables) {
   const uint64_t rounds = Setting("AMBRELIO_DIFFERENTIAL_ROUNDS", 4);
   for (uint64_t seed = first; seed < first + rounds; ++seed) {
     Chance chance(seed);
-    const std::string path = folder_.File(std::to_string(seed) + ".mdb");
+    const std::string path = folder_.File(std::to_string(seed) + ".sqlite");
     EveryPlan plans(embedded::Storage::Create(path));
     RandomTables tables(chance);
     tables.Create(plans);
@@ -123,7 +123,7 @@ std::vector<NamedSource> MillSources() {
 TEST_F(Differential, TheMillsStatementsOverRandomSeasons) {
   const uint64_t first = Setting("AMBRELIO_DIFFERENTIAL_SEED", 1);
   const uint64_t rounds = Setting("AMBRELIO_DIFFERENTIAL_ROUNDS", 4);
-  const std::string path = folder_.File("oliva.mdb");
+  const std::string path = folder_.File("oliva.sqlite");
   const auto engine = embedded::CreateEngine();
   host::CreateMillDatabase(*engine, path, "");
   const auto database = engine->DefaultWorkspace().OpenDatabase(path, false, false, ";pwd=");

@@ -26,7 +26,7 @@ using testing::Not;
 class MillPlans : public testing::Test {
  protected:
   MillPlans() {
-    const std::string path = folder_.File("oliva.mdb");
+    const std::string path = folder_.File("oliva.sqlite");
     const auto engine = CreateEngine();
     host::CreateMillDatabase(*engine, path, "");
     const auto database = engine->DefaultWorkspace().OpenDatabase(path, false, false, ";pwd=");

@@ -52,7 +52,7 @@ class Nulls : public testing::Test {
   }
 
   test::TempFolder folder_;
-  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("t.mdb"));
+  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("t.sqlite"));
   CatalogueStore store_{*storage_};
 };
 

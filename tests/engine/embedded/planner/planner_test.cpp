@@ -89,7 +89,7 @@ class PlannerTest : public testing::Test {
   }
 
   test::TempFolder folder_;
-  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("t.mdb"));
+  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("t.sqlite"));
   CatalogueStore store_{*storage_};
   Executor executor_{*storage_, store_, {}};
   Liveness alive_ = std::make_shared<const bool>(true);

@@ -79,7 +79,7 @@ class CatalogueStoreTest : public ::testing::Test {
   }
 
   test::TempFolder folder_;
-  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("a.mdb"));
+  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("a.sqlite"));
   CatalogueStore store_{*storage_};
 };
 
@@ -518,7 +518,7 @@ TEST_F(CatalogueStoreTest, KeepsWhatItKnowsWhenOnlyRowsWereRolledBack) {
 }
 
 TEST_F(CatalogueStoreTest, FollowsTheChangesOfOthers) {
-  const auto other = Storage::Open(folder_.File("a.mdb"), Storage::Access::kShared);
+  const auto other = Storage::Open(folder_.File("a.sqlite"), Storage::Access::kShared);
   CatalogueStore others(*other);
   store_.CreateTable(NewTable("T", {NewField("A")}));
   others.AddField("T", NewField("B"));
@@ -526,7 +526,7 @@ TEST_F(CatalogueStoreTest, FollowsTheChangesOfOthers) {
 }
 
 TEST_F(CatalogueStoreTest, IsNotMisledWhenAnotherChangesWhatItHadUndone) {
-  const auto other = Storage::Open(folder_.File("a.mdb"), Storage::Access::kShared);
+  const auto other = Storage::Open(folder_.File("a.sqlite"), Storage::Access::kShared);
   CatalogueStore others(*other);
   store_.CreateTable(NewTable("T", {NewField("A")}));
   storage_->Begin();
@@ -538,7 +538,7 @@ TEST_F(CatalogueStoreTest, IsNotMisledWhenAnotherChangesWhatItHadUndone) {
 }
 
 TEST_F(CatalogueStoreTest, SeesTheRowsThatItsChangeIsCheckedAgainst) {
-  const auto other = Storage::Open(folder_.File("a.mdb"), Storage::Access::kShared);
+  const auto other = Storage::Open(folder_.File("a.sqlite"), Storage::Access::kShared);
   store_.CreateTable(NewTable("T", {NewField("A")}));
   other->Run("insert into T values(1), (1)");
   EXPECT_EQ(ErrorOf([&] { store_.CreateIndex("T", UniqueIndex({"A"})); }), 3022);

@@ -30,7 +30,7 @@ class Integrity : public testing::Test {
   std::vector<std::string> Findings() { return CheckIntegrity(*storage_, catalogue_); }
 
   test::TempFolder folder_;
-  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("oliva.mdb"));
+  std::unique_ptr<Storage> storage_ = Storage::Create(folder_.File("oliva.sqlite"));
   CatalogueStore catalogue_{*storage_};
 };
 

@@ -33,7 +33,7 @@ class JournalTest : public ::testing::TestWithParam<Journal> {
   static constexpr int kCommits = 25;
   static constexpr int kRows = 200;
 
-  JournalTest() : storage_(Storage::Create(folder_.File("a.mdb"))) {
+  JournalTest() : storage_(Storage::Create(folder_.File("a.sqlite"))) {
     storage_->Run(
         "create table t(a integer primary key, v integer, rest blob);"
         "create index i on t(v);"
@@ -100,7 +100,7 @@ class JournalTest : public ::testing::TestWithParam<Journal> {
     const test::TempFolder found;
     disk.WriteImage(found.path(), seed);
     try {
-      const auto storage = Storage::Open(found.File("a.mdb"), Storage::Access::kShared);
+      const auto storage = Storage::Open(found.File("a.sqlite"), Storage::Access::kShared);
       StorageStatement rows(storage->raw(),
                             "select count(*), min(v), max(v), (select group_concat(integrity_check)"
                             " from pragma_integrity_check) from t");

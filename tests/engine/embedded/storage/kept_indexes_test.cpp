@@ -62,7 +62,7 @@ class KeptIndexesTest : public ::testing::Test {
   }
 
   test::TempFolder folder_;
-  std::string path_ = folder_.File("oliva.mdb");
+  std::string path_ = folder_.File("oliva.sqlite");
   std::shared_ptr<dao::DBEngine> engine_;
 };
 

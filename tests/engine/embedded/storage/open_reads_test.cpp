@@ -34,9 +34,9 @@ class Reading : public OpenRead {
 
 class OpenReadsTest : public ::testing::Test {
  protected:
-  OpenReadsTest() : storage_(Storage::Create(folder_.File("a.mdb"))) {
+  OpenReadsTest() : storage_(Storage::Create(folder_.File("a.sqlite"))) {
     storage_->Run("create table t(a integer); insert into t values(1), (2)");
-    others_ = Storage::Open(folder_.File("a.mdb"), Storage::Access::kShared);
+    others_ = Storage::Open(folder_.File("a.sqlite"), Storage::Access::kShared);
   }
 
   std::shared_ptr<Reading> Read() {
@@ -144,14 +144,14 @@ TEST_F(OpenReadsTest, GoOnInATransactionWhichSeesOneMoment) {
 TEST_F(OpenReadsTest, AreNotHeldOnAFileWithoutALog) {
   others_.reset();
   storage_->Run("pragma journal_mode = delete");
-  storage_ = Storage::Open(folder_.File("a.mdb"), Storage::Access::kShared);
+  storage_ = Storage::Open(folder_.File("a.sqlite"), Storage::Access::kShared);
   EXPECT_TRUE(Read()->settled);
 }
 
 TEST_F(OpenReadsTest, GoOnInAnExclusiveFileWhateverIsAsked) {
   others_.reset();
   storage_.reset();
-  storage_ = Storage::Open(folder_.File("a.mdb"), Storage::Access::kExclusive);
+  storage_ = Storage::Open(folder_.File("a.sqlite"), Storage::Access::kExclusive);
   const auto reading = Read();
   storage_->CatchUp();
   storage_->ChangedByOthers();

@@ -16,12 +16,12 @@ using test::ErrorOf;
 
 class StorageTest : public ::testing::Test {
  protected:
-  StorageTest() : storage_(Storage::Create(folder_.File("a.mdb"))) {
+  StorageTest() : storage_(Storage::Create(folder_.File("a.sqlite"))) {
     storage_->Run("create table t(a integer unique, b text)");
   }
 
   std::unique_ptr<Storage> OpenAnother(Storage::Access access = Storage::Access::kShared) {
-    return Storage::Open(folder_.File("a.mdb"), access);
+    return Storage::Open(folder_.File("a.sqlite"), access);
   }
   static int64_t Count(const Storage& storage) {
     StorageStatement count(storage.raw(), "select count(*) from t");

@@ -183,14 +183,19 @@ void Storage::Back(std::unique_ptr<Backing> backing) {
 }
 
 int Storage::NoteTable(int action, const char* table) {
-  if (touched_ == nullptr || table == nullptr) return SQLITE_OK;
-  const bool writes = action == SQLITE_INSERT || action == SQLITE_UPDATE || action == SQLITE_DELETE;
+  if (table == nullptr) return SQLITE_OK;
   const std::string name = table;
+  if (action == SQLITE_DROP_TABLE) dropped_ = name;
+  const bool writes = action == SQLITE_INSERT || action == SQLITE_UPDATE || action == SQLITE_DELETE;
   if ((action != SQLITE_READ && !writes) || !IsTableOfUsers(name)) return SQLITE_OK;
-  touched_->read.insert(name);
-  if (writes) touched_->written.insert(name);
-  // Otherwise a deletion of all rows would not tell which.
-  return action == SQLITE_DELETE ? SQLITE_IGNORE : SQLITE_OK;
+  if (touched_ != nullptr) {
+    touched_->read.insert(name);
+    if (writes) touched_->written.insert(name);
+  }
+  if (action != SQLITE_DELETE) return SQLITE_OK;
+  // The rows of a table that is dropped go at once, and this asks about them too. All others shall
+  // go one by one, so that the backing is told which they were; to SQLite that is ignoring.
+  return std::exchange(dropped_, {}) == name ? SQLITE_OK : SQLITE_IGNORE;
 }
 
 TablesTouched Storage::TouchedBy(const std::function<void()>& prepare) {

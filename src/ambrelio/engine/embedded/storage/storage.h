@@ -137,7 +137,7 @@ class Storage {
   void RunKept(const std::string& sql);
   // Nothing where commits of others cannot be noticed while a read is open.
   std::optional<LogState> SharedState() noexcept;
-  // What SQLite tells of a statement that is being prepared, for TouchedBy.
+  // What SQLite asks about a statement that is being prepared, be it for the first time or anew.
   int NoteTable(int action, const char* table);
   void RefreshBacking() noexcept;
 
@@ -153,6 +153,7 @@ class Storage {
   OpenReads reads_;
   std::unique_ptr<Backing> backing_;
   TablesTouched* touched_ = nullptr;  // while somebody wants to know
+  std::string dropped_;               // the table of the statement that is being prepared
   std::optional<LogWatch> log_;       // of a file that has one
   bool alone_ = false;                // nobody else can write
   bool waiting_put_off_ = false;
