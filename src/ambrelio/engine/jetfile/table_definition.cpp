@@ -37,10 +37,13 @@ std::vector<KeyColumn> IndexDefinition::Columns() const {
 }
 
 const ColumnDefinition* TableDefinition::FindColumn(std::string_view name) const {
+  // Nearly always it is spelt as it is stored.
+  auto found = std::find_if(columns.begin(), columns.end(),
+                            [name](const auto& column) { return column.name == name; });
+  if (found != columns.end()) return &*found;
   const std::string wanted = UpperCase(name);
-  const auto found = std::find_if(columns.begin(), columns.end(), [&wanted](const auto& column) {
-    return UpperCase(column.name) == wanted;
-  });
+  found = std::find_if(columns.begin(), columns.end(),
+                       [&wanted](const auto& column) { return UpperCase(column.name) == wanted; });
   return found == columns.end() ? nullptr : &*found;
 }
 
