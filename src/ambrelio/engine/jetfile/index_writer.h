@@ -27,7 +27,7 @@ class IndexWriter {
   void Build(const std::vector<IndexEntry>& entries);
 
  private:
-  // Changes the entries of the leaf where `entry` belongs; says whether it did.
+  // Changes the entries of the leaf where an entry belongs.
   using Change = std::function<void(IndexPage& leaf)>;
 
   void ChangeTree(const Bytes& entry, const Change& change);

@@ -58,7 +58,8 @@ void TableWriter::CheckWritable() const {
 }
 
 std::vector<RowPointer> TableWriter::Apply(const TableChanges& changes) {
-  CheckWritable();
+  if (!writable_) CheckWritable();
+  writable_ = true;
   std::vector<RowChange> plan = ChangePlanner(file_, *definition_, keys_).Plan(changes);
   for (size_t i = 0; i < indexes_.size(); ++i) CheckUnique(i, plan);
   RemoveKeys(plan);
@@ -94,7 +95,8 @@ void TableWriter::CheckUnique(size_t index, const std::vector<RowChange>& change
     if (key == nullptr || key->has_null) continue;
     const bool first = coming.insert(key->bytes).second;
     if (first && (leaving.contains(key->bytes) || !indexes_[index].Contains(key->bytes))) continue;
-    dao::Raise(dao::DaoError::kDuplicateKey, "DAO.Recordset", keys_.NameOf(index));
+    dao::Raise(dao::DaoError::kDuplicateKey, "DAO.Recordset",
+               "It would be in " + keys_.NameOf(index) + ".");
   }
 }
 

@@ -52,6 +52,7 @@ class TableWriter {
   JetFile& file_;
   std::unique_ptr<TableDefinition> definition_;  // with the counters as they will be
   TableKeys keys_;
+  bool writable_ = false;  // was found to be
   TableRows rows_;
   std::vector<IndexWriter> indexes_;
   std::map<size_t, LongValueWriter> long_values_;

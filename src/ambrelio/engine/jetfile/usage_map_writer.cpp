@@ -15,7 +15,7 @@ namespace {
 
 using Layout = UsageMapLayout;
 
-// The bit that stands for a page.
+// The bit that says whether a page is in a map.
 struct BitPlace {
   Place byte;
   uint8_t mask = 0;
