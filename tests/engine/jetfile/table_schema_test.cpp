@@ -162,6 +162,8 @@ TEST(CreateTable, RefusesNamesThatAreTaken) {
   CreateQuery(file, "Q", {}, kNow);
   EXPECT_EQ(Refused(file, [&] { Create(file, "NIÑOS"); }), kTableExists);
   EXPECT_EQ(Refused(file, [&] { Create(file, "q"); }), kObjectExists);
+  Create(file, "Straße");
+  EXPECT_EQ(Refused(file, [&] { Create(file, "STRASSE "); }), kTableExists);
   EXPECT_EQ(Refused(file, [&] { Create(file, "MSysObjects"); }), kTableExists);
   EXPECT_EQ(Refused(file, [&] { CreateTable(file, "T", {}, {}, kNow); }), kNothingDefined);
   EXPECT_EQ(Refused(file,

@@ -5,7 +5,6 @@
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/system_table.h"
 #include "ambrelio/engine/jetfile/table_design.h"
-#include "ambrelio/platform/characters.h"
 
 namespace ambrelio::jetfile {
 namespace {
@@ -13,7 +12,6 @@ namespace {
 using dao::DaoError;
 
 constexpr const char* kSource = "DAO.Database";
-constexpr size_t kRightsTable = 1;      // among the system tables of page 0
 constexpr size_t kBuiltInAccount = 2;   // bytes; other accounts have more
 constexpr uint32_t kCreator = 0xF00FE;  // the mask that tells the account of whoever creates
 constexpr uint32_t kFullRights = 0xFFEFF;
@@ -56,10 +54,10 @@ void RequireFreeName(const Catalogue& catalogue, std::string_view name,
                      const CatalogueObject* itself) {
   RequireName(name);
   const uint32_t container = TablesContainer(catalogue).id;
-  const std::string wanted = UpperCase(name);
+  const Bytes wanted = NameKey(name);
   for (const CatalogueObject& object : catalogue.objects) {
     if (&object == itself || object.parent != container) continue;
-    if (UpperCase(object.name) != wanted) continue;
+    if (NameKey(object.name) != wanted) continue;
     dao::Raise(object.type == ObjectType::kQuery ? DaoError::kObjectExists : DaoError::kTableExists,
                kSource, std::string(name));
   }
@@ -82,7 +80,7 @@ void AddObject(JetFile& file, const Catalogue& catalogue, const NewObject& objec
                   {"Owner", UserAccount(catalogue)},
                   {"Flags", Signed(object.flags)}});
   objects.Finish();
-  SystemTableWriter rights(file, file.header().system_tables[kRightsTable]);
+  SystemTableWriter rights(file, file.header().rights_table());
   for (const AccessRight& right : RightsOn(catalogue, object.id)) {
     rights.Insert({{"ObjectId", Signed(right.object)},
                    {"SID", right.account},
@@ -96,7 +94,7 @@ void RemoveObject(JetFile& file, const CatalogueObject& object) {
   SystemTableWriter objects(file, kObjectsPage);
   objects.Delete(object.row);
   objects.Finish();
-  const uint32_t page = file.header().system_tables[kRightsTable];
+  const uint32_t page = file.header().rights_table();
   SystemTableWriter rights(file, page);
   SystemTable reader(file, page);
   while (reader.Next()) {

@@ -26,6 +26,10 @@ struct Header {
   uint8_t collation_version = 0;
   double created = 0;  // days, as OleDate has them; 0 in Jet 3
   std::vector<uint16_t> commits;
+
+  uint32_t rights_table() const { return system_tables[1]; }
+  uint32_t queries_table() const { return system_tables[2]; }
+  uint32_t relationships_table() const { return system_tables[3]; }
 };
 
 // Whether a file's first bytes are those of a Jet or ACE database, whatever its version.

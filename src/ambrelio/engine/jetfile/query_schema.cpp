@@ -11,8 +11,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kQueriesTable = 2;  // among the system tables of page 0
-
 // What the catalogue says of a query of a kind.
 uint32_t FlagsOf(QueryKind kind) {
   switch (kind) {
@@ -91,7 +89,7 @@ void CreateQuery(JetFile& file, std::string_view name, const std::vector<QueryRo
   WholeOrNotAtAll(file, [&] {
     AddObject(file, catalogue, {id, std::string(name), ObjectType::kQuery, FlagsOf(KindOf(parts))},
               now);
-    SystemTableWriter writer(file, file.header().system_tables[kQueriesTable]);
+    SystemTableWriter writer(file, file.header().queries_table());
     std::map<QueryPart, uint32_t> counters;
     for (const QueryRow& row : WithEnds(parts)) {
       writer.Insert({{"ObjectId", static_cast<int32_t>(id)},
@@ -113,7 +111,7 @@ void DropQuery(JetFile& file, std::string_view name) {
     dao::Raise(dao::DaoError::kNotInCollection, "DAO.QueryDefs", std::string(name));
   }
   WholeOrNotAtAll(file, [&] {
-    SystemTableWriter writer(file, file.header().system_tables[kQueriesTable]);
+    SystemTableWriter writer(file, file.header().queries_table());
     for (const QueryRow& row : ReadQueryRows(file, catalogue)) {
       if (row.query == query->id) writer.Delete(row.row);
     }

@@ -7,8 +7,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kRelationshipsTable = 3;  // among the system tables of page 0
-
 bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == UpperCase(b); }
 
 [[noreturn]] void FailInRelationship(std::string_view name) {
@@ -18,7 +16,7 @@ bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == U
 // Changes the rows for which `values` gives some.
 template <class Values>
 void UpdateRows(JetFile& file, const Catalogue& catalogue, Values values) {
-  SystemTableWriter writer(file, file.header().system_tables[kRelationshipsTable]);
+  SystemTableWriter writer(file, file.header().relationships_table());
   for (const RelationshipColumn& row : catalogue.relationships) {
     const NamedValues changed = values(row);
     if (!changed.empty()) writer.Update(row.row, changed);

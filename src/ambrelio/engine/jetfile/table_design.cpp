@@ -89,13 +89,6 @@ void Insert(TableDefinition& definition, ColumnDefinition column) {
   definition.columns.insert(place, std::move(column));
 }
 
-// The names of indexes stand in the order of texts, as far as it is known.
-Bytes RankOf(const std::string& name) {
-  if (auto key = GeneralOrderKey(name, TextOrder::kGeneral)) return *key;
-  const std::string upper = UpperCase(name);
-  return {upper.begin(), upper.end()};
-}
-
 uint8_t FlagsOf(const NewIndex& index) {
   uint8_t flags = kIndexOfJet4;
   if (index.primary || index.unique) flags |= IndexDefinition::kUnique;
@@ -126,6 +119,13 @@ void RequireName(std::string_view name) {
         return unit < u' ' || std::u16string_view(u".![]`").find(unit) != std::u16string_view::npos;
       });
   if (!sound) dao::Raise(DaoError::kInvalidName, kSource, std::string(name));
+}
+
+// That of a text, as far as its order is known.
+Bytes NameKey(std::string_view name) {
+  if (auto key = GeneralOrderKey(name, TextOrder::kGeneral)) return *key;
+  const std::string upper = UpperCase(name);
+  return {upper.begin(), upper.end()};
 }
 
 TableDefinition NewDefinition(uint8_t kind) {
@@ -237,9 +237,9 @@ void AddIndex(TableDefinition& definition, const NewIndex& index, const IndexDef
   name.on_delete = kNoRelationship;
   name.kind = index.primary ? IndexName::kPrimary : uint8_t{0};
   definition.indexes.push_back(tree);
-  const auto place =
-      std::find_if(definition.index_names.begin(), definition.index_names.end(),
-                   [&](const IndexName& other) { return RankOf(name.name) < RankOf(other.name); });
+  const auto place = std::find_if(
+      definition.index_names.begin(), definition.index_names.end(),
+      [&](const IndexName& other) { return NameKey(name.name) < NameKey(other.name); });
   definition.index_names.insert(place, std::move(name));
 }
 

@@ -42,6 +42,10 @@ inline constexpr size_t kLongestName = 64;  // characters
 // Raises 3125 for what no object, column or index may be called.
 void RequireName(std::string_view name);
 
+// What the names of objects and indexes are told apart and ordered by: two of one key are the same
+// to the indexes of the catalogue.
+Bytes NameKey(std::string_view name);
+
 // A table without columns and pages; `kind` is one of TableDefinition's.
 TableDefinition NewDefinition(uint8_t kind);
 
