@@ -36,12 +36,12 @@ function(ambrelio_room folder)
   set_property(GLOBAL APPEND PROPERTY AMBRELIO_ROOMS room_${name})
 endfunction()
 
-# How tests are compiled: what they test may be optimised, to be used or to bear the sanitizers, but a
-# test runs once; and what it does itself is no undefined behaviour of the library's.
+# How tests are compiled: the presets for Windows optimise what they make to be used, but a test runs
+# once; and what it does itself is no undefined behaviour of the library's.
 if(WIN32)
   set(AMBRELIO_TEST_OPTIONS -O0)
 elseif(AMBRELIO_SANITIZE)
-  set(AMBRELIO_TEST_OPTIONS -O0 -fno-sanitize=undefined)
+  set(AMBRELIO_TEST_OPTIONS -fno-sanitize=undefined)
 endif()
 
 # The test framework costs more to read than most tests: it is read once.
