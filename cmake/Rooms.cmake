@@ -70,7 +70,7 @@ function(ambrelio_room_tests folder)
   if(CMAKE_CROSSCOMPILING OR NOT AMBRELIO_TESTS_ONE_BY_ONE)
     # Each start under Wine or the sanitizers costs more than most tests.
     add_test(NAME ${folder} COMMAND ${name}_tests --gtest_brief=1)
-    set_tests_properties(${folder} PROPERTIES TIMEOUT 600)
+    set_tests_properties(${folder} PROPERTIES TIMEOUT 1500)
   else()
     gtest_discover_tests(${name}_tests TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
                          PROPERTIES TIMEOUT 300)
