@@ -72,7 +72,7 @@ TEST_F(Program, ACreationThatIsKilledLeavesNoHalfDatabase) {
 
 TEST_F(Program, AReaderThatWentAwayIsNamed) {
   const auto outcome = Shell(
-      "{ for i in 1 2 3 4 5 6; do sleep 0.05; echo '{\"call\":\"MaximoTolvas\"}'; done | "
+      "{ for i in $(seq 60); do sleep 0.05; echo '{\"call\":\"MaximoTolvas\"}'; done | "
       "$AMBRELIO journal --app $APP -; echo code $? >&2; } | head -n 1");
   EXPECT_THAT(outcome.err, HasSubstr("Broken pipe\ncode 3\n"));
 }
