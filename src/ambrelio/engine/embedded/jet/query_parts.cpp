@@ -264,7 +264,7 @@ class PartTaker {
   }
 
   // The last word that unites decides; what stands before it is one input, united or not.
-  void TakeUnion(Words words) {
+  void TakeUnion(const Words& words) {
     SetKind(QueryKind::kUnion);
     size_t order = words.FindLast("order");
     const size_t at = words.FindLast("union");

@@ -13,7 +13,6 @@
 namespace ambrelio::embedded {
 namespace {
 
-using jetfile::JetFile;
 using jetfile::NewColumn;
 using jetfile::NewIndex;
 

@@ -12,7 +12,6 @@ namespace ambrelio::embedded {
 
 using jetfile::ColumnDefinition;
 using jetfile::DataPage;
-using jetfile::JetFile;
 using jetfile::Page;
 using jetfile::RowPointer;
 using jetfile::TableDefinition;
