@@ -188,6 +188,24 @@ TEST_F(JetDatabase, RefusesADuplicateKeyAndWritesNothing) {
   EXPECT_THAT(StoredRows("Tanques"), ElementsAre("1|0"));
 }
 
+TEST_F(JetDatabase, KnowsItsRowsAfterACommitThatFailed) {
+  const auto database = Create();
+  AddTanks(*database, "Antes");
+  AddTanks(*database);
+  Run(*database, "create table Zonas (Nombre text(20) primary key)");
+  Run(*database, "insert into Antes values (1, 0)");
+  workspace().BeginTrans();
+  Run(*database, "delete from Antes");
+  Run(*database, "insert into Zonas values ('Москва')");  // which has no place in the index
+  EXPECT_EQ(ErrorOf([&] { workspace().CommitTrans(); }), 3251);
+  workspace().Rollback();
+  AddTank(*database, 1);
+  Run(*database, "update Antes set Litros = 5");
+  EXPECT_THAT(StoredRows("Antes"), ElementsAre("1|5"));
+  EXPECT_THAT(StoredRows("Zonas"), IsEmpty());
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
 TEST_F(JetDatabase, ShowsWhatOthersCommit) {
   const auto mine = Create();
   AddTanks(*mine);

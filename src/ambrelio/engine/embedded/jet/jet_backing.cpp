@@ -288,13 +288,14 @@ void JetBacking::Write(const Catalogue& now, bool redefined) {
   for (const auto& [id, page] : definitions) {
     if (!tables_.contains(id)) made.emplace(id, TableCopy(storage_, pages(), page));
   }
+  std::map<int64_t, TableCopy::SavedRows> saved;
   for (const TableInfo& table : now.tables) {
     const auto known = tables_.find(table.id);
     TableCopy& copy = known != tables_.end() ? known->second : made.at(table.id);
     // Rows of a table that had another name meanwhile, or none, are noted under that.
     const bool renamed = known == tables_.end() || known_.FindTable(table.id)->name != table.name;
     const WrittenRows rows = renamed ? copy.EveryRow(table) : written_[table.name];
-    if (!rows.empty()) copy.Save(table, rows);
+    if (!rows.empty()) saved[table.id] = copy.Save(table, rows);
   }
   if (redefined) changes_of_schema.AfterRows(definitions);
   const std::map<uint32_t, jetfile::Page> changes = pages().changes();
@@ -305,11 +306,11 @@ void JetBacking::Write(const Catalogue& now, bool redefined) {
   }
 
   for (auto& [id, table] : made) {
-    table.Saved(changes);
+    table.Saved(saved[id], changes);
     MarkCopied(storage_, table.definition());
   }
   for (auto& [id, table] : tables_) {
-    if (table.loaded()) table.Saved(changes);
+    if (table.loaded()) table.Saved(saved[id], changes);
   }
   if (!redefined) return;
   tables_.merge(made);

@@ -162,7 +162,7 @@ void TableCopy::CheckWritable() {
 }
 
 jetfile::TableChanges TableCopy::Changes(const TableInfo& table, const TableDefinition& definition,
-                                         const WrittenRows& written) {
+                                         const WrittenRows& written, SavedRows& saved) {
   const auto columns = ShownColumns(table, definition);
   StorageStatement row(storage_.raw(), "select " + NamesOf(columns) + " from " +
                                            QuoteName(table.name) + " where " +
@@ -191,13 +191,13 @@ jetfile::TableChanges TableCopy::Changes(const TableInfo& table, const TableDefi
     const RowPointer place = places_.PlaceOf(number);
     if (is_new && is_there) {
       changes.inserted.push_back(values_of_row(false));
-      inserted_.push_back(number);
+      saved.inserted.push_back(number);
     } else if (!is_new && is_there) {
       stored.MoveTo(place);
       changes.updated.emplace_back(place, values_of_row(true));
     } else if (!is_new) {
       changes.deleted.push_back(place);
-      deleted_.push_back(number);
+      saved.deleted.push_back(number);
     }
     row.Reset();
   }
@@ -217,21 +217,20 @@ WrittenRows TableCopy::EveryRow(const TableInfo& table) {
   return rows;
 }
 
-void TableCopy::Save(const TableInfo& table, const WrittenRows& rows) {
-  inserted_.clear();
-  deleted_.clear();
+TableCopy::SavedRows TableCopy::Save(const TableInfo& table, const WrittenRows& rows) {
   TableWriter writer(file_, definition_);
-  const jetfile::TableChanges changes = Changes(table, writer.definition(), rows);
-  inserted_places_ = writer.Apply(changes);
+  SavedRows saved;
+  saved.places = writer.Apply(Changes(table, writer.definition(), rows, saved));
   writer.Finish();
+  return saved;
 }
 
-void TableCopy::Saved(const std::map<uint32_t, Page>& changed_pages) {
+void TableCopy::Saved(const SavedRows& rows, const std::map<uint32_t, Page>& changed_pages) {
   loaded_ = true;
-  for (const int64_t number : deleted_) places_.Remove(number);
-  for (size_t i = 0; i < inserted_.size(); ++i) places_.Place(inserted_[i], inserted_places_[i]);
-  inserted_.clear();
-  deleted_.clear();
+  for (const int64_t number : rows.deleted) places_.Remove(number);
+  for (size_t i = 0; i < rows.inserted.size(); ++i) {
+    places_.Place(rows.inserted[i], rows.places[i]);
+  }
   known_writable_ = false;  // the definition may be another one
   for (const auto& [number, page] : changed_pages) {
     if (IsDataPageOf(page, definition_)) {

@@ -41,10 +41,16 @@ class TableCopy {
   void CheckWritable();
   // As if all rows here and in the file had been written.
   WrittenRows EveryRow(const TableInfo& table);
-  // Puts rows that were written in the storage into the pages of the file. Then Saved, when these
-  // pages and all others that changed are on the disk.
-  void Save(const TableInfo& table, const WrittenRows& rows);
-  void Saved(const std::map<uint32_t, jetfile::Page>& changed_pages);
+  // Where rows are that came into the file by a Save, and which have gone.
+  struct SavedRows {
+    std::vector<int64_t> inserted;
+    std::vector<jetfile::RowPointer> places;  // of the inserted ones
+    std::vector<int64_t> deleted;
+  };
+  // Puts rows that were written in the storage into the pages of the file.
+  SavedRows Save(const TableInfo& table, const WrittenRows& rows);
+  // The pages that changed, whichever tables they are of, are those of the file from now on.
+  void Saved(const SavedRows& rows, const std::map<uint32_t, jetfile::Page>& changed_pages);
 
  private:
   using Hash = uint64_t;
@@ -53,8 +59,9 @@ class TableCopy {
   void CopyRows(const TableInfo& table, const jetfile::TableDefinition& definition,
                 const std::vector<uint32_t>& pages);
   void RemoveRows(const TableInfo& table, const std::vector<uint32_t>& pages);
+  // What is to become of the file's rows; `saved` gets the numbers of those that come and go.
   jetfile::TableChanges Changes(const TableInfo& table, const jetfile::TableDefinition& definition,
-                                const WrittenRows& written);
+                                const WrittenRows& written, SavedRows& saved);
 
   Storage& storage_;
   jetfile::JetFile& file_;
@@ -64,10 +71,6 @@ class TableCopy {
   std::map<uint32_t, Hash> pages_;  // of rows, as they were copied
   bool has_moved_rows_ = false;     // or once had
   bool known_writable_ = false;
-  // Of the last Save.
-  std::vector<int64_t> inserted_;
-  std::vector<jetfile::RowPointer> inserted_places_;
-  std::vector<int64_t> deleted_;
 };
 
 }  // namespace ambrelio::embedded
