@@ -52,7 +52,12 @@ Variant TableReader::Value(const ColumnDefinition& column) const {
 }
 
 DataPage ReadTablePage(const JetFile& file, const TableDefinition& definition, uint32_t page) {
-  DataPage data(file.Read(page), page, file.format());
+  return TablePage(file, definition, page, file.Read(page));
+}
+
+DataPage TablePage(const JetFile& file, const TableDefinition& definition, uint32_t page,
+                   Page bytes) {
+  DataPage data(std::move(bytes), page, file.format());
   if (data.owner() != definition.page()) {
     throw Damage({page, 4}, "a page of the table defined on page " +
                                 std::to_string(definition.page()) + " is expected here");

@@ -48,6 +48,9 @@ class TableReader {
 
 // A data page of a table: raises Damage when it is another's.
 DataPage ReadTablePage(const JetFile& file, const TableDefinition& definition, uint32_t page);
+// The same of a page that has been read.
+DataPage TablePage(const JetFile& file, const TableDefinition& definition, uint32_t page,
+                   Page bytes);
 
 // Where the bytes of a row are: in its own place, or where it moved to.
 struct RowBody {

@@ -1,6 +1,7 @@
 #include "ambrelio/engine/embedded/jet/jet_backing.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -8,7 +9,6 @@
 #include "ambrelio/engine/embedded/jet/schema_changes.h"
 #include "ambrelio/engine/embedded/storage/catalogue_rows.h"
 #include "ambrelio/engine/embedded/storage/table_form.h"
-#include "ambrelio/engine/jetfile/header.h"
 #include "ambrelio/platform/clock.h"
 
 namespace ambrelio::embedded {
@@ -33,10 +33,8 @@ void MarkCopied(Storage& storage, uint32_t definition) {
 
 // The counters of all programs but this one, which has the first.
 std::vector<uint16_t> CommitsOfOthers(const jetfile::JetFile& file) {
-  const auto page = file.Read(0);
-  std::vector<uint16_t> commits = jetfile::ParseHeader(jetfile::ViewOf(page, 0)).commits;
-  commits.erase(commits.begin());
-  return commits;
+  const std::vector<uint16_t>& commits = file.header().commits;
+  return {commits.begin() + 1, commits.end()};
 }
 
 }  // namespace
@@ -127,6 +125,14 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
   for (const auto& [id, table] : tables_) {
     if (table.loaded()) copied.insert(known_.FindTable(id)->name);
   }
+  tables_ = Rebuild(catalogue);
+  Agree(ReadCatalogue(storage_));
+  digest_ = DigestOf(catalogue);
+  relationships_ = catalogue.relationships;
+  for (const std::string& name : copied) Load(known_, name);
+}
+
+std::map<int64_t, TableCopy> JetBacking::Rebuild(const JetCatalogue& catalogue) {
   Copying copying(*this);
   for (const TableInfo& table : known_.tables) {
     DeleteTableRows(storage_, table.id);
@@ -136,10 +142,11 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
   storage_.Run("delete from \"jet.copied\"");
   std::map<int64_t, TableCopy> tables;
   for (TableInfo table : catalogue.catalogue.tables) {
-    KeepIds(table, catalogue.definitions.at(table.name));
+    const uint32_t definition = catalogue.definitions.at(table.name);
+    KeepIds(table, definition);
     InsertTable(storage_, table);
     CreateStored(storage_, table);
-    tables.emplace(table.id, TableCopy(storage_, pages(), catalogue.definitions.at(table.name)));
+    tables.emplace(table.id, TableCopy(storage_, pages(), definition));
   }
   for (QueryInfo query : catalogue.catalogue.queries) {
     if (const QueryInfo* const known = known_.FindQuery(query.name)) query.id = known->id;
@@ -147,11 +154,7 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
   }
   Restamp(storage_);
   copying.Complete();
-  tables_ = std::move(tables);
-  Agree(ReadCatalogue(storage_));
-  digest_ = DigestOf(catalogue);
-  relationships_ = ReadRelationships(pages());
-  for (const std::string& name : copied) Load(known_, name);
+  return tables;
 }
 
 // Who holds a definition knows it by its id.
@@ -227,22 +230,28 @@ void JetBacking::Unlock() noexcept {
 void JetBacking::RolledBack() {
   if (storage_.level() == 0) written_.clear();
   const std::set<int64_t> copied = CopiedTables(storage_);
+  std::vector<int64_t> lost;
   for (auto& [id, table] : tables_) {
     if (!table.loaded() || copied.contains(table.definition())) continue;
     table.Lose();
-    const Catalogue now = Now();
-    if (const TableInfo* const info = now.FindTable(id)) Load(now, info->name);
+    lost.push_back(id);
+  }
+  if (lost.empty()) return;
+  const Catalogue now = Now();
+  for (const int64_t id : lost) {
+    if (const TableInfo* const table = now.FindTable(id)) Load(now, table->name);
   }
 }
 
 void JetBacking::Save() {
-  const bool redefined = ReadStamp(storage_) != stamp_;
+  std::optional<Catalogue> redefined;
+  if (ReadStamp(storage_) != stamp_) redefined = ReadCatalogue(storage_);
   if (!redefined && written_.empty()) return;
   if (file_->read_only()) dao::Raise(DaoError::kReadOnly, "DAO.Workspace");
   CheckRelationships();
   const std::map<uint32_t, jetfile::Page> before = pages().changes();
   try {
-    Write(Now(), redefined);
+    Write(redefined ? *redefined : known_, redefined.has_value());
   } catch (...) {
     pages().ForgetChanges();
     for (const auto& [number, page] : before) pages().Write(number, *page);

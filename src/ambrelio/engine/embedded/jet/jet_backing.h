@@ -47,6 +47,7 @@ class JetBacking final : public Backing {
   void Load(const Catalogue& catalogue, const std::string& table);
   // Makes the storage's catalogue that of the file, whatever it was.
   void Take(const JetCatalogue& catalogue);
+  std::map<int64_t, TableCopy> Rebuild(const JetCatalogue& catalogue);
   void KeepIds(TableInfo& table, uint32_t definition) const;
   // Brings the storage's catalogue and rows into the pages of the file.
   void Write(const Catalogue& now, bool redefined);

@@ -71,20 +71,39 @@ TableInfo TableOf(const JetFile& file, const CatalogueObject& object) {
   return table;
 }
 
-// As its author would have written it: without what ends the stored text.
-std::string TextOf(const JetFile& file, const jetfile::Catalogue& catalogue,
-                   const CatalogueObject& query) {
-  try {
-    std::string text = jetfile::ReadQuerySql(file, catalogue, query);
-    while (!text.empty() &&
-           std::string_view("; \r\n").find(text.back()) != std::string_view::npos) {
-      text.pop_back();
+// The texts of the queries, read at one stroke.
+class QueryTexts {
+ public:
+  QueryTexts(const JetFile& file, const jetfile::Catalogue& catalogue) {
+    try {
+      for (jetfile::QueryRow& row : jetfile::ReadQueryRows(file, catalogue)) {
+        rows_[row.query].push_back(std::move(row));
+      }
+    } catch (const jetfile::Damage&) {
+      // Then none of them makes a statement.
     }
-    return text;
-  } catch (const jetfile::Damage&) {
-    return "";
   }
-}
+
+  // As its author would have written it, without what ends the stored text; "" when its parts make
+  // no statement.
+  std::string Of(const CatalogueObject& query) const {
+    const auto rows = rows_.find(query.id);
+    if (rows == rows_.end()) return "";
+    try {
+      std::string text = jetfile::QuerySql(rows->second);
+      while (!text.empty() &&
+             std::string_view("; \r\n").find(text.back()) != std::string_view::npos) {
+        text.pop_back();
+      }
+      return text;
+    } catch (const jetfile::Damage&) {
+      return "";
+    }
+  }
+
+ private:
+  std::map<uint32_t, std::vector<jetfile::QueryRow>> rows_;
+};
 
 }  // namespace
 
@@ -97,9 +116,11 @@ JetCatalogue ReadJetCatalogue(const JetFile& file) {
     result.definitions[table.name] = object->definition_page();
     result.catalogue.tables.push_back(std::move(table));
   }
+  const QueryTexts texts(file, stored);
   for (const CatalogueObject* const query : stored.UserObjects(ObjectType::kQuery)) {
-    result.catalogue.queries.push_back({query->name, TextOf(file, stored, *query)});
+    result.catalogue.queries.push_back({query->name, texts.Of(*query)});
   }
+  result.relationships = EnforcedRelationships(stored);
   return result;
 }
 
@@ -119,8 +140,9 @@ std::vector<std::string> NotShown(const JetFile& file) {
       left_out.push_back("linked table " + object->name);
     }
   }
+  const QueryTexts texts(file, stored);
   for (const CatalogueObject* const query : stored.UserObjects(ObjectType::kQuery)) {
-    if (TextOf(file, stored, *query).empty()) {
+    if (texts.Of(*query).empty()) {
       left_out.push_back("query " + query->name + ", whose parts make no statement");
     }
   }

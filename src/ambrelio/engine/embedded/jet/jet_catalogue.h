@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "ambrelio/engine/embedded/jet/relationships.h"
 #include "ambrelio/engine/embedded/storage/catalogue.h"
 #include "ambrelio/engine/jetfile/jet_file.h"
 
@@ -14,6 +15,7 @@ namespace ambrelio::embedded {
 struct JetCatalogue {
   Catalogue catalogue;                          // without ids
   std::map<std::string, uint32_t> definitions;  // of the tables, by name: their first pages
+  std::vector<Relationship> relationships;      // that the file enforces
 };
 
 // Tables of the system, linked ones, columns of types that no field has and the indexes over them,

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "ambrelio/dao/errors.h"
-#include "ambrelio/engine/jetfile/catalogue.h"
 
 namespace ambrelio::embedded {
 namespace {
@@ -29,9 +28,8 @@ bool HasOldRows(const WrittenRows& rows) {
 
 }  // namespace
 
-std::vector<Relationship> ReadRelationships(const jetfile::JetFile& file) {
+std::vector<Relationship> EnforcedRelationships(const jetfile::Catalogue& catalogue) {
   std::map<std::string, Relationship> by_name;
-  const jetfile::Catalogue catalogue = ReadCatalogue(file);
   for (const jetfile::RelationshipColumn& column : catalogue.relationships) {
     if (!column.enforced()) continue;
     Relationship& relationship = by_name[column.name];

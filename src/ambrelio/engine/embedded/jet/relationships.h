@@ -10,7 +10,7 @@
 
 #include "ambrelio/engine/embedded/jet/table_copy.h"
 #include "ambrelio/engine/embedded/storage/storage.h"
-#include "ambrelio/engine/jetfile/jet_file.h"
+#include "ambrelio/engine/jetfile/catalogue.h"
 
 namespace ambrelio::embedded {
 
@@ -20,8 +20,8 @@ struct Relationship {
   std::vector<std::pair<std::string, std::string>> columns;  // the child's, the parent's
 };
 
-// Those that are enforced. Raises Damage.
-std::vector<Relationship> ReadRelationships(const jetfile::JetFile& file);
+// Those of the catalogue that are enforced.
+std::vector<Relationship> EnforcedRelationships(const jetfile::Catalogue& catalogue);
 
 // Raises 3201 when a written row of the child lacks its partner, and 3200 when rows of the child
 // have lost theirs by what was written in the parent; nothing is passed on to them. Both tables

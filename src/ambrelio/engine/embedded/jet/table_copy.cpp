@@ -87,9 +87,9 @@ void TableCopy::Load(const TableInfo& table) {
 std::map<uint32_t, TableCopy::Hash> TableCopy::HashPages(const TableDefinition& definition) {
   std::map<uint32_t, Hash> hashes;
   for (const uint32_t number : ReadUsageMap(file_, definition.owned_map).pages) {
-    const DataPage page = ReadTablePage(file_, definition, number);
-    has_moved_rows_ = has_moved_rows_ || HasMovedRows(page);
-    hashes[number] = HashOf(file_.Read(number));
+    const Page page = file_.Read(number);
+    has_moved_rows_ = has_moved_rows_ || HasMovedRows(TablePage(file_, definition, number, page));
+    hashes[number] = HashOf(page);
   }
   return hashes;
 }
