@@ -1,24 +1,13 @@
 #include "ambrelio/engine/check.h"
 
-#include <fstream>
-
+#include "ambrelio/engine/embedded/database_file.h"
 #include "ambrelio/engine/embedded/storage/integrity.h"
-#include "ambrelio/engine/embedded/storage/password.h"
+#include "ambrelio/engine/embedded/storage/storage_file.h"
 #include "ambrelio/engine/jetfile/checker.h"
 #include "ambrelio/engine/jetfile/shared_file.h"
-#include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::engine {
 namespace {
-
-bool IsJetFile(const std::string& path) {
-  constexpr size_t kEnough = 32;
-  std::ifstream file(FilePath(path), std::ios::binary);
-  std::string first(kEnough, '\0');
-  file.read(first.data(), static_cast<std::streamsize>(first.size()));
-  first.resize(static_cast<size_t>(file.gcount()));
-  return jetfile::LooksLikeJet(first);
-}
 
 std::vector<CheckFinding> CheckJetFile(const std::string& path, const std::string& password) {
   const auto file =
@@ -32,9 +21,8 @@ std::vector<CheckFinding> CheckJetFile(const std::string& path, const std::strin
 }
 
 std::vector<CheckFinding> CheckEmbeddedFile(const std::string& path, const std::string& password) {
-  const auto storage = embedded::Storage::Open(path, embedded::Storage::Access::kReadOnly);
+  const auto storage = embedded::OpenFile(path, password, embedded::Storage::Access::kReadOnly);
   embedded::CatalogueStore catalogue(*storage);
-  embedded::CheckPassword(catalogue, password);
   std::vector<CheckFinding> findings;
   for (std::string& text : embedded::CheckIntegrity(*storage, catalogue)) {
     findings.push_back({std::nullopt, std::nullopt, std::move(text)});
@@ -45,7 +33,8 @@ std::vector<CheckFinding> CheckEmbeddedFile(const std::string& path, const std::
 }  // namespace
 
 std::vector<CheckFinding> CheckFile(const std::string& path, const std::string& password) {
-  return IsJetFile(path) ? CheckJetFile(path, password) : CheckEmbeddedFile(path, password);
+  return embedded::IsJetFile(path) ? CheckJetFile(path, password)
+                                   : CheckEmbeddedFile(path, password);
 }
 
 }  // namespace ambrelio::engine

@@ -5,7 +5,7 @@
 #include "ambrelio/engine/embedded/storage/catalogue_store.h"
 #include "ambrelio/engine/embedded/storage/storage_file.h"
 #include "ambrelio/engine/embedded/storage/transaction_level.h"
-#include "ambrelio/engine/jetfile/jet_file.h"
+#include "ambrelio/engine/jetfile/shared_file.h"
 
 namespace ambrelio::engine {
 namespace {
@@ -64,7 +64,10 @@ std::vector<std::string> Convert(const std::string& from, const std::string& to,
     CopyAll(*source, *embedded::CreateFile(unfinished, password, embedded::FormByName(to)));
   });
   if (!source->backed()) return {};
-  return embedded::NotShown(jetfile::JetFile::Open(from, password));
+  const auto file =
+      jetfile::SharedFile::Open(from, password, jetfile::SharedFile::Access::kReadOnly);
+  const auto moment = file->Read();
+  return embedded::NotShown(file->file());
 }
 
 }  // namespace ambrelio::engine
