@@ -25,9 +25,9 @@ struct ReferentOptions {
 };
 
 Report ReferentState(const Referente& referent) {
-  Report report = ListReport(
-      "Trazabilidad", "ListaReferentes",
-      Variant::Array{Variant::Array{referent.Codigo(), referent.Nombre(), referent.NIF()}});
+  Variant::Array rows;
+  rows.emplace_back(Variant::Array{referent.Codigo(), referent.Nombre(), referent.NIF()});
+  Report report = ListReport("Trazabilidad", "ListaReferentes", rows);
   report.single = true;
   for (int16_t line = 1; line <= Referente::kInfoLines; ++line) {
     report.columns.push_back({fmt::format("info{}", line), fmt::format("Información {}", line)});

@@ -141,12 +141,14 @@ TEST_F(Completion, OffersWhatMayFollowACommand) {
   for (const Declared& each : TheParser().declared) {
     if (each.is_option() || !seen.insert(each.command).second) continue;
     Words values = each.Choices();
-    if (each.name == "FILE") values = {"olive grove", "oliva.mdb"};
+    if (each.name == "FILE" || each.name == "FROM") values = {"olive grove", "oliva.mdb"};
     EXPECT_EQ(Offered("ambrelio " + each.command + " ''"), values) << each.command;
     EXPECT_EQ(Offered("ambrelio " + each.command + " --app m ''"), values) << each.command;
   }
   EXPECT_EQ(Offered("ambrelio --trace t historia --desde 2025-11-01 n"), Words{"niveles"});
   EXPECT_EQ(Offered("ambrelio historia niveles ''"), Words{});
+  EXPECT_EQ(Offered("ambrelio convert oliva.mdb o"), (Words{"olive grove", "oliva.mdb"}));
+  EXPECT_EQ(Offered("ambrelio convert oliva.mdb new.mdb ''"), Words{});
   EXPECT_EQ(Offered("ambrelio walk ''"), Words{});
 }
 
