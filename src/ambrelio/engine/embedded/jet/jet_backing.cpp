@@ -37,6 +37,11 @@ std::vector<uint16_t> CommitsOfOthers(const jetfile::JetFile& file) {
   return {commits.begin() + 1, commits.end()};
 }
 
+bool SameFields(const TableInfo& a, const TableInfo& b) {
+  return std::equal(a.fields.begin(), a.fields.end(), b.fields.begin(), b.fields.end(),
+                    [](const FieldInfo& x, const FieldInfo& y) { return x.name == y.name; });
+}
+
 }  // namespace
 
 // What is written in its life comes from the file: nothing of it stays if it is not completed.
@@ -126,9 +131,7 @@ void JetBacking::Take(const JetCatalogue& catalogue) {
     if (table.loaded()) copied.insert(known_.FindTable(id)->name);
   }
   tables_ = Rebuild(catalogue);
-  Agree(ReadCatalogue(storage_));
-  digest_ = DigestOf(catalogue);
-  relationships_ = catalogue.relationships;
+  Agree(ReadCatalogue(storage_), catalogue);
   for (const std::string& name : copied) Load(known_, name);
 }
 
@@ -142,11 +145,11 @@ std::map<int64_t, TableCopy> JetBacking::Rebuild(const JetCatalogue& catalogue) 
   storage_.Run("delete from \"jet.copied\"");
   std::map<int64_t, TableCopy> tables;
   for (TableInfo table : catalogue.catalogue.tables) {
-    const uint32_t definition = catalogue.definitions.at(table.name);
-    KeepIds(table, definition);
+    const StoredTable& stored = catalogue.stored.at(table.name);
+    KeepIds(table, stored);
     InsertTable(storage_, table);
     CreateStored(storage_, table);
-    tables.emplace(table.id, TableCopy(storage_, pages(), definition));
+    tables.emplace(table.id, TableCopy(storage_, pages(), stored.definition));
   }
   for (QueryInfo query : catalogue.catalogue.queries) {
     if (const QueryInfo* const known = known_.FindQuery(query.name)) query.id = known->id;
@@ -157,13 +160,16 @@ std::map<int64_t, TableCopy> JetBacking::Rebuild(const JetCatalogue& catalogue) 
   return tables;
 }
 
-// Who holds a definition knows it by its id.
-void JetBacking::KeepIds(TableInfo& table, uint32_t definition) const {
-  const auto known = std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) {
-    return entry.second.definition() == definition;
+// Who holds a definition knows it by its id, also when its table has another name now. A page can
+// be another table's meanwhile, which was made at the same second at the worst.
+void JetBacking::KeepIds(TableInfo& table, const StoredTable& stored) const {
+  const auto known = std::find_if(known_.tables.begin(), known_.tables.end(), [&](const auto& old) {
+    const auto place = stored_.find(old.name);
+    return place != stored_.end() && place->second == stored &&
+           (old.name == table.name || SameFields(old, table));
   });
-  if (known == tables_.end()) return;
-  const TableInfo& old = *known_.FindTable(known->first);
+  if (known == known_.tables.end()) return;
+  const TableInfo& old = *known;
   table.id = old.id;
   for (FieldInfo& field : table.fields) {
     if (const FieldInfo* const same = old.FindField(field.name)) field.id = same->id;
@@ -173,9 +179,12 @@ void JetBacking::KeepIds(TableInfo& table, uint32_t definition) const {
   }
 }
 
-void JetBacking::Agree(const Catalogue& now) {
+void JetBacking::Agree(const Catalogue& now, const JetCatalogue& in_file) {
   known_ = now;
   stamp_ = ReadStamp(storage_);
+  stored_ = in_file.stored;
+  relationships_ = in_file.relationships;
+  digest_ = DigestOf(in_file);
 }
 
 void JetBacking::Need(const TablesTouched& tables) {
@@ -324,8 +333,7 @@ void JetBacking::Write(const Catalogue& now, bool redefined) {
   if (!redefined) return;
   tables_.merge(made);
   std::erase_if(tables_, [&](const auto& entry) { return !definitions.contains(entry.first); });
-  Agree(now);
-  digest_ = DigestOf(ReadJetCatalogue(pages()));
+  Agree(now, ReadJetCatalogue(pages()));
 }
 
 }  // namespace ambrelio::embedded

@@ -48,10 +48,10 @@ class JetBacking final : public Backing {
   // Makes the storage's catalogue that of the file, whatever it was.
   void Take(const JetCatalogue& catalogue);
   std::map<int64_t, TableCopy> Rebuild(const JetCatalogue& catalogue);
-  void KeepIds(TableInfo& table, uint32_t definition) const;
+  void KeepIds(TableInfo& table, const StoredTable& stored) const;
   // Brings the storage's catalogue and rows into the pages of the file.
   void Write(const Catalogue& now, bool redefined);
-  void Agree(const Catalogue& now);
+  void Agree(const Catalogue& now, const JetCatalogue& in_file);
   void CheckRelationships();
 
   Storage& storage_;
@@ -63,13 +63,14 @@ class JetBacking final : public Backing {
   bool owing_ = false;             // what was saved is not in the file yet, and the turn is kept
   std::vector<uint16_t> commits_;  // that other programs had counted in the file
 
-  // What storage and file agreed on last: the catalogue, its stamp in the storage, its digest in
-  // the file, and the tables by their ids.
+  // What storage and file agreed on last: the catalogue, its stamp in the storage, and in the file
+  // the tables by their names, the relationships and a digest of it all.
   Catalogue known_;
   std::string stamp_;
+  std::map<std::string, StoredTable> stored_;
+  std::vector<Relationship> relationships_;
   std::string digest_;
-  std::map<int64_t, TableCopy> tables_;
-  std::vector<Relationship> relationships_;  // of the file
+  std::map<int64_t, TableCopy> tables_;  // by the tables' ids
   // By the tables' names, since the transaction began.
   std::map<std::string, WrittenRows> written_;
 };

@@ -113,7 +113,7 @@ JetCatalogue ReadJetCatalogue(const JetFile& file) {
   for (const CatalogueObject* const object : stored.UserObjects(ObjectType::kTable)) {
     TableInfo table = TableOf(file, *object);
     if (table.fields.empty()) continue;
-    result.definitions[table.name] = object->definition_page();
+    result.stored[table.name] = {object->definition_page(), object->created};
     result.catalogue.tables.push_back(std::move(table));
   }
   const QueryTexts texts(file, stored);
@@ -163,7 +163,9 @@ std::string DigestOf(const JetCatalogue& catalogue) {
   };
   for (const TableInfo& table : catalogue.catalogue.tables) {
     add(table.name);
-    add(catalogue.definitions.at(table.name));
+    const StoredTable& stored = catalogue.stored.at(table.name);
+    add(stored.definition);
+    add(stored.created.days());
     for (const FieldInfo& field : table.fields) {
       add(field.name);
       for (const int property :

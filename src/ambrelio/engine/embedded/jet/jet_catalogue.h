@@ -12,10 +12,18 @@
 
 namespace ambrelio::embedded {
 
+// What tells a table from others that have, or had, its name.
+struct StoredTable {
+  uint32_t definition = 0;  // the first page
+  OleDate created;
+
+  friend bool operator==(const StoredTable&, const StoredTable&) = default;
+};
+
 struct JetCatalogue {
-  Catalogue catalogue;                          // without ids
-  std::map<std::string, uint32_t> definitions;  // of the tables, by name: their first pages
-  std::vector<Relationship> relationships;      // that the file enforces
+  Catalogue catalogue;                        // without ids
+  std::map<std::string, StoredTable> stored;  // the tables, by name
+  std::vector<Relationship> relationships;    // that the file enforces
 };
 
 // Tables of the system, linked ones, columns of types that no field has and the indexes over them,
