@@ -29,7 +29,7 @@ TEST(ColumnRules, AreNoneOfANewTable) {
   EXPECT_FALSE(rules.required || rules.allow_zero_length);
   EXPECT_EQ(rules.default_value, "");
   const auto before = file.changes();
-  SetRules(file, table, "año", {}, kNow);
+  SetRules(file, table, {{"año", {}}}, kNow);
   EXPECT_TRUE(file.changes() == before);
 }
 
@@ -38,8 +38,7 @@ TEST(ColumnRules, AreReadAsTheyWereSet) {
   const uint32_t table = TableOf(file);
   for (const std::string& value :
        {std::string("\"ñ\" & 'ç'"), std::string(70, 'x'), std::string(10000, 'y'), std::string()}) {
-    SetRules(file, table, "año", {true, value.empty(), value}, kNow);
-    SetRules(file, table, "n", {false, true, "0"}, kNow);
+    SetRules(file, table, {{"año", {true, value.empty(), value}}, {"n", {false, true, "0"}}}, kNow);
     ASSERT_EQ(CheckText(file), "");
     const ColumnRules text = ReadRules(file, table, "año");
     EXPECT_TRUE(text.required);
@@ -61,7 +60,7 @@ TEST(ColumnRules, LeaveOtherPropertiesAsTheyAre) {
       ColumnRules rules = ReadRules(file, page, column);
       rules.required = !rules.required;
       rules.default_value += "+1";
-      SetRules(file, page, column, rules, kNow);
+      SetRules(file, page, {{column, rules}}, kNow);
       ASSERT_EQ(CheckText(file), "") << name;
       EXPECT_EQ(ReadRules(file, page, column).default_value, rules.default_value);
       const Properties after = PropertiesOf(file, name);
@@ -87,7 +86,7 @@ TEST(ColumnRules, AreOfColumnsThatAreThere) {
   EXPECT_EQ(test::ErrorOf([&] { ReadRules(file, table, "x"); }), kNotInCollection);
   EXPECT_EQ(Refused(file,
                     [&] {
-                      SetRules(file, table, "x", {true, false, ""}, kNow);
+                      SetRules(file, table, {{"x", {true, false, ""}}}, kNow);
                     }),
             kNotInCollection);
 }

@@ -165,8 +165,8 @@ TEST(DropColumn, LeavesTheOthersAndGivesBackItsLongValues) {
 TEST(DropColumn, TakesItsPropertiesAlong) {
   JetFile file = NewJet();
   const uint32_t table = TableOfTwoRows(file);
-  SetRules(file, table, "t", {true, true, "'x'"}, kNow);
-  SetRules(file, table, "n", {true, false, ""}, kNow);
+  SetRules(file, table, {{"t", {true, true, "'x'"}}}, kNow);
+  SetRules(file, table, {{"n", {true, false, ""}}}, kNow);
   DropColumn(file, table, NumberOf(file, table, "t"), kNow);
   AddColumn(file, table, Column("T", kText, 5), kNow);
   EXPECT_FALSE(ReadRules(file, table, "t").required);
@@ -204,7 +204,7 @@ TEST(ChangeColumn, RenamesAndMovesIt) {
   JetFile file = NewJet();
   const uint32_t table = TableOfTwoRows(file);
   const Rows rows = RowsOf(file, table);
-  SetRules(file, table, "t", {true, false, "'á'"}, kNow);
+  SetRules(file, table, {{"t", {true, false, "'á'"}}}, kNow);
   ChangeColumn(file, table, NumberOf(file, table, "t"), "Año-1", 1, kNow);
   EXPECT_EQ(NamesOf(file, table), (std::vector<std::string>{"n", "Año-1", "m"}));
   EXPECT_EQ(RowsOf(file, table), rows);

@@ -107,7 +107,7 @@ TEST_F(SchemaBesideMdbtools, ReadsIndexesAndProperties) {
   JetFile file = NewJet();
   const uint32_t table = TableOfRows(file, "Añada");
   CreateIndex(file, table, Unique(IndexOver("único", {"x", "Ñandú-2"})), kNow);
-  SetRules(file, table, "Ñandú-2", {true, false, ""}, kNow);
+  SetRules(file, table, {{"Ñandú-2", {true, false, ""}}}, kNow);
   const std::string schema = Tell(file, "mdb-schema --indexes --not-null", "mysql");
   EXPECT_THAT(schema, HasSubstr("ADD UNIQUE INDEX `único` (`x`, `Ñandú-2`)"));
   EXPECT_THAT(schema, HasSubstr("ADD PRIMARY KEY (`Código`)"));

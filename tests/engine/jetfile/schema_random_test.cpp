@@ -142,9 +142,11 @@ class RandomSchema {
       case 7:
         return DropAnIndex(table);
       case 8:
-        return SetRules(file_, table, AnyColumn(table).name,
-                        {random_.OneIn(2), random_.OneIn(2), std::string(random_.Below(200), 'd')},
-                        kNow);
+        return SetRules(
+            file_, table,
+            {{AnyColumn(table).name,
+              {random_.OneIn(2), random_.OneIn(2), std::string(random_.Below(200), 'd')}}},
+            kNow);
       case 9:
         return ChangeQueries();
       default:

@@ -225,7 +225,7 @@ TEST(DropTable, GivesBackAllThatTheTableTook) {
     const uint32_t pages = file.page_count();
     const size_t free = free_pages();
     const uint32_t table = Create(file, "U", {IndexOver("i", {"text"}), IndexOver("j", {"long"})});
-    SetRules(file, table, "text", {true, true, std::string(5000, 'x')}, kNow);
+    SetRules(file, table, {{"text", {true, true, std::string(5000, 'x')}}}, kNow);
     RandomValues random(1);
     std::vector<std::vector<Variant>> rows;
     for (int i = 0; i < 200; ++i) rows.push_back(random.Row(ReadDefinition(file, table)));

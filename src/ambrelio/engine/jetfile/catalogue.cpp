@@ -86,4 +86,15 @@ Catalogue ReadCatalogue(const JetFile& file) {
   return catalogue;
 }
 
+std::optional<CatalogueObject> FindTable(const JetFile& file, uint32_t page) {
+  SystemTable objects(file, kObjectsPage);
+  while (objects.Next()) {
+    const auto id = static_cast<uint32_t>(objects.Long("Id"));
+    if ((id & CatalogueObject::kPageOfId) != page) continue;
+    CatalogueObject object = ObjectOf(objects);
+    if (object.type == ObjectType::kTable) return object;
+  }
+  return std::nullopt;
+}
+
 }  // namespace ambrelio::jetfile

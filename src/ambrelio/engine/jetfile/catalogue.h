@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,8 +37,10 @@ struct CatalogueObject {
   Bytes properties;  // see properties.h
   RowPointer row;
 
+  static constexpr uint32_t kPageOfId = 0x00FFFFFF;
+
   bool system() const { return (flags & kSystemFlags) != 0; }
-  uint32_t definition_page() const { return id & 0x00FFFFFF; }
+  uint32_t definition_page() const { return id & kPageOfId; }
 };
 
 // A row of MSysACEs: what an account may do with an object.
@@ -80,5 +83,8 @@ struct Catalogue {
 
 // Raises Damage.
 Catalogue ReadCatalogue(const JetFile& file);
+
+// The table whose definition starts on a page, without reading the rest. Raises Damage.
+std::optional<CatalogueObject> FindTable(const JetFile& file, uint32_t page);
 
 }  // namespace ambrelio::jetfile

@@ -56,7 +56,8 @@ void RequireFreeName(const Catalogue& catalogue, std::string_view name,
   const uint32_t container = TablesContainer(catalogue).id;
   const Bytes wanted = NameKey(name);
   for (const CatalogueObject& object : catalogue.objects) {
-    if (&object == itself || object.parent != container) continue;
+    if (object.parent != container) continue;
+    if (itself != nullptr && object.id == itself->id) continue;
     if (NameKey(object.name) != wanted) continue;
     dao::Raise(object.type == ObjectType::kQuery ? DaoError::kObjectExists : DaoError::kTableExists,
                kSource, std::string(name));
@@ -110,19 +111,14 @@ void UpdateObject(JetFile& file, const CatalogueObject& object, NamedValues valu
   objects.Finish();
 }
 
-const CatalogueObject& UserTable(const Catalogue& catalogue, uint32_t page) {
-  const auto found = std::find_if(
-      catalogue.objects.begin(), catalogue.objects.end(), [page](const CatalogueObject& object) {
-        return object.type == ObjectType::kTable && object.definition_page() == page;
-      });
-  if (found == catalogue.objects.end()) {
-    throw Damage({page, 0}, "the catalogue has no table that is defined here");
-  }
+CatalogueObject UserTable(const JetFile& file, uint32_t page) {
+  std::optional<CatalogueObject> found = FindTable(file, page);
+  if (!found) throw Damage({page, 0}, "the catalogue has no table that is defined here");
   if (found->system()) {
     Refuse(DaoError::kNotSupported,
            "The table '" + found->name + "' is the system's and cannot be changed.");
   }
-  return *found;
+  return *std::move(found);
 }
 
 }  // namespace ambrelio::jetfile

@@ -36,6 +36,6 @@ void UpdateObject(JetFile& file, const CatalogueObject& object, NamedValues valu
 
 // The table whose definition starts on a page. Raises 3251 for one of the system's, Damage when
 // there is none.
-const CatalogueObject& UserTable(const Catalogue& catalogue, uint32_t page);
+CatalogueObject UserTable(const JetFile& file, uint32_t page);
 
 }  // namespace ambrelio::jetfile

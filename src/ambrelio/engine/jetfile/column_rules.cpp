@@ -76,23 +76,23 @@ void SetText(const JetFile& file, Properties& properties, std::string_view colum
 }  // namespace
 
 ColumnRules ReadRules(const JetFile& file, uint32_t table, std::string_view column) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
+  const CatalogueObject object = UserTable(file, table);
   RequireColumn(file, object, column);
   const Properties properties = PropertiesOf(file, object);
   return {properties.Flag(column, kRequired), properties.Flag(column, kAllowZeroLength),
           properties.Text(file, column, kDefaultValue)};
 }
 
-void SetRules(JetFile& file, uint32_t table, std::string_view column, const ColumnRules& rules,
+void SetRules(JetFile& file, uint32_t table, const std::vector<RulesOfColumn>& columns,
               OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
-  RequireColumn(file, object, column);
+  const CatalogueObject object = UserTable(file, table);
   Properties properties = PropertiesOf(file, object);
-  SetFlag(properties, column, kRequired, rules.required);
-  SetFlag(properties, column, kAllowZeroLength, rules.allow_zero_length);
-  SetText(file, properties, column, kDefaultValue, rules.default_value);
+  for (const auto& [column, rules] : columns) {
+    RequireColumn(file, object, column);
+    SetFlag(properties, column, kRequired, rules.required);
+    SetFlag(properties, column, kAllowZeroLength, rules.allow_zero_length);
+    SetText(file, properties, column, kDefaultValue, rules.default_value);
+  }
   const NamedValues changed = Changed(file, object, properties);
   if (changed.empty()) return;
   WholeOrNotAtAll(file, [&] { UpdateObject(file, object, changed, now); });

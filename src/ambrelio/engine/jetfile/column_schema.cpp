@@ -68,8 +68,7 @@ void RewriteRows(JetFile& file, TableDefinition& definition, const ColumnDefinit
 }  // namespace
 
 uint16_t AddColumn(JetFile& file, uint32_t table, const NewColumn& column, OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
+  const CatalogueObject object = UserTable(file, table);
   TableDefinition definition = ReadDefinition(file, table);
   const bool had_variable = definition.variable_mark > 0;
   const uint16_t number = DesignColumn(definition, column, LanguageOfNewColumns(file.header()));
@@ -88,8 +87,7 @@ uint16_t AddColumn(JetFile& file, uint32_t table, const NewColumn& column, OleDa
 }
 
 void DropColumn(JetFile& file, uint32_t table, uint16_t number, OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
+  const CatalogueObject object = UserTable(file, table);
   TableDefinition definition = ReadDefinition(file, table);
   const ColumnDefinition column = ColumnOf(definition, number);
   for (const IndexDefinition& index : definition.indexes) {
@@ -98,7 +96,7 @@ void DropColumn(JetFile& file, uint32_t table, uint16_t number, OleDate now) {
                                       [number](KeyColumn key) { return key.column == number; });
     if (in_index) dao::Raise(DaoError::kFieldInIndex, kSource, column.name);
   }
-  RequireNoRelationship(catalogue, object.name, column.name);
+  RequireNoRelationship(ReadCatalogue(file), object.name, column.name);
   if (definition.columns.size() == 1) {
     dao::Raise(DaoError::kNothingDefined, kSource, object.name);
   }
@@ -113,15 +111,14 @@ void DropColumn(JetFile& file, uint32_t table, uint16_t number, OleDate now) {
 
 void ChangeColumn(JetFile& file, uint32_t table, uint16_t number, std::string_view name,
                   uint16_t ordinal, OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
+  const CatalogueObject object = UserTable(file, table);
   TableDefinition definition = ReadDefinition(file, table);
   const ColumnDefinition column = ColumnOf(definition, number);
   if (column.name == name && column.ordinal == ordinal) return;
   RedesignColumn(definition, number, name, ordinal);
   WholeOrNotAtAll(file, [&] {
     WriteDefinition(file, definition);
-    RenameInRelationships(file, catalogue, object.name, column.name, name);
+    RenameInRelationships(file, ReadCatalogue(file), object.name, column.name, name);
     UpdateObject(file, object, PropertiesWithColumnRenamed(file, object, column.name, name), now);
   });
 }

@@ -56,8 +56,7 @@ IndexContent ContentOf(const JetFile& file, const TableDefinition& definition,
 }  // namespace
 
 void CreateIndex(JetFile& file, uint32_t table, const NewIndex& index, OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
+  const CatalogueObject object = UserTable(file, table);
   TableDefinition definition = ReadDefinition(file, table);
   AddIndex(definition, index, DesignIndex(definition, index));
   IndexDefinition& tree = definition.indexes.back();
@@ -78,8 +77,7 @@ void CreateIndex(JetFile& file, uint32_t table, const NewIndex& index, OleDate n
 }
 
 void DropIndex(JetFile& file, uint32_t table, std::string_view name, OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
+  const CatalogueObject object = UserTable(file, table);
   TableDefinition definition = ReadDefinition(file, table);
   const IndexName* found = FindIndexName(definition, name);
   if (found == nullptr) dao::Raise(DaoError::kNotInCollection, kSource, std::string(name));

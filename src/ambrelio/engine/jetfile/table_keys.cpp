@@ -96,11 +96,8 @@ std::vector<std::optional<TableKey>> TableKeys::Of(const std::vector<Variant>& v
 }
 
 std::string TableKeys::TableName() const {
-  const Catalogue catalogue = ReadCatalogue(file_);
-  for (const CatalogueObject& object : catalogue.objects) {
-    const bool table = object.type == ObjectType::kTable;
-    if (table && object.definition_page() == definition_.page()) return object.name;
-  }
+  const auto object = FindTable(file_, definition_.page());
+  if (object) return object->name;
   return "of page " + std::to_string(definition_.page());
 }
 

@@ -33,9 +33,8 @@ uint32_t CreateTable(JetFile& file, std::string_view name, const std::vector<New
 }
 
 void DropTable(JetFile& file, uint32_t table) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
-  RequireNoRelationship(catalogue, object.name);
+  const CatalogueObject object = UserTable(file, table);
+  RequireNoRelationship(ReadCatalogue(file), object.name);
   const TableDefinition definition = ReadDefinition(file, table);
   WholeOrNotAtAll(file, [&] {
     RemoveObject(file, object);
@@ -44,11 +43,10 @@ void DropTable(JetFile& file, uint32_t table) {
 }
 
 void RenameTable(JetFile& file, uint32_t table, std::string_view name, OleDate now) {
-  const Catalogue catalogue = ReadCatalogue(file);
-  const CatalogueObject& object = UserTable(catalogue, table);
-  RequireFreeName(catalogue, name, &object);
+  const CatalogueObject object = UserTable(file, table);
+  RequireFreeName(ReadCatalogue(file), name, &object);
   WholeOrNotAtAll(file, [&] {
-    RenameInRelationships(file, catalogue, object.name, name);
+    RenameInRelationships(file, ReadCatalogue(file), object.name, name);
     UpdateObject(file, object, {{"Name", std::string(name)}}, now);
   });
 }

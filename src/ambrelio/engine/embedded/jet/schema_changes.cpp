@@ -116,12 +116,13 @@ void SchemaChanges::ChangeColumns(uint32_t page, const TableInfo& before, const 
 }
 
 void SchemaChanges::ChangeRules(uint32_t page, const TableInfo& before, const TableInfo& after) {
+  std::vector<jetfile::RulesOfColumn> changed;
   for (const FieldInfo& field : after.fields) {
     const FieldInfo* const old = before.FindField(field.id);
     if (SameRules(old == nullptr ? FieldInfo{} : *old, field)) continue;
-    jetfile::SetRules(file_, page, field.name,
-                      {field.required, field.allow_zero_length, field.default_value}, now_);
+    changed.push_back({field.name, {field.required, field.allow_zero_length, field.default_value}});
   }
+  if (!changed.empty()) jetfile::SetRules(file_, page, changed, now_);
 }
 
 }  // namespace ambrelio::embedded
