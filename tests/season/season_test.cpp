@@ -39,17 +39,22 @@ std::map<int, std::string> ReadNames(const std::string& file) {
   return names;
 }
 
+// A database of either form.
+constexpr const char* kJet = "oliva.mdb";
+constexpr const char* kOwn = "oliva.sqlite";
+
 // A mill on disk, driven through the command line, and the model that has lived through the same.
 class Season {
  public:
-  Season(int hoppers, int intermediate, int tanks) : model(hoppers, intermediate, tanks) {
+  Season(int hoppers, int intermediate, int tanks, const char* database)
+      : model(hoppers, intermediate, tanks) {
     model.members = ReadNames("socios.csv");
     model.products = ReadNames("productos.csv");
     model.municipalities = ReadNames("municipios.csv");
     std::ofstream(folder.File("CLIEN.INI")) << "[GENERAL]\nEsclavo=0\n";
     std::ofstream(folder.File("Vardex.ini"))
         << "[GENERAL]\nMaxTolvas=" << hoppers << ',' << intermediate << ',' << tanks
-        << "\nBaseDatos=mill.sqlite\n";
+        << "\nBaseDatos=" << database << "\n";
     ChildProcess create({kProgram, "create", "--app", folder.path(), "--masters", kExample},
                         folder.File("errors"));
     EXPECT_EQ(create.Wait(), 0) << Errors();
@@ -134,13 +139,16 @@ TEST_P(RandomSeason, AnswersAndTablesAreTheModels) {
   options.days = 8 + static_cast<int>(GetParam() % 3) * 4;
   options.tanks = 3 + static_cast<int>(GetParam() % 4);
   options.hoppers = 2 + static_cast<int>(GetParam() % 3);
-  Season season(options.hoppers, options.intermediate_hoppers, options.tanks);
+  Season season(options.hoppers, options.intermediate_hoppers, options.tanks,
+                options.seed % 2 == 0 ? kJet : kOwn);
   ExpectSameSeason(season, MakeSeason(options));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomSeason, ::testing::Range(1U, 13U));
 
-TEST(ExampleSeason, AnswersAndTablesAreTheModels) {
+class ExampleSeason : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(ExampleSeason, AnswersAndTablesAreTheModels) {
   std::vector<Json> lines;
   std::ifstream in(kExample + "journal.jsonl");
   for (std::string line; std::getline(in, line);) lines.push_back(Json::parse(line));
@@ -151,9 +159,12 @@ TEST(ExampleSeason, AnswersAndTablesAreTheModels) {
       lines.push_back({{"m", last["m"]}, {"call", path}, {"args", {kind}}});
     }
   }
-  Season season(4, 2, 12);
+  Season season(4, 2, 12, GetParam());
   ExpectSameSeason(season, lines);
 }
+
+INSTANTIATE_TEST_SUITE_P(OfAJetFile, ExampleSeason, testing::Values(kJet));
+INSTANTIATE_TEST_SUITE_P(OfTheEnginesOwnFile, ExampleSeason, testing::Values(kOwn));
 
 // After every event, the shares of each divided weighing sum to 1 but for the rests that were
 // dropped, and so do the fractions of each discharge over its tanks with what left the mill.
@@ -176,7 +187,7 @@ TEST(Conservation, HoldsAfterEveryEvent) {
           "select Tolva, Descarga, Deposito, Fraccion from Descargas where Deposito > 0 "
           "order by Tolva, Descarga"}});
   }
-  Season season(options.hoppers, options.intermediate_hoppers, options.tanks);
+  Season season(options.hoppers, options.intermediate_hoppers, options.tanks, kOwn);
   const std::vector<Json> answers = season.Replay(lines);
   ASSERT_EQ(answers.size(), lines.size());
   for (size_t i = 0; i < lines.size(); ++i) {
@@ -215,7 +226,8 @@ TEST(KilledProcess, LosesNothingAnsweredAndLeavesNothingHalfDone) {
     options.days = 4;
     options.questions = false;
     const std::vector<Json> lines = MakeSeason(options);
-    Season season(options.hoppers, options.intermediate_hoppers, options.tanks);
+    Season season(options.hoppers, options.intermediate_hoppers, options.tanks,
+                  round % 2 == 0 ? kJet : kOwn);
     ChildProcess replay({kProgram, "journal", "--app", season.folder.path(), "-"});
     const size_t victim = std::uniform_int_distribution<size_t>(20, lines.size() - 2)(random);
     size_t answered = 0;
