@@ -22,6 +22,7 @@
 #include "ambrelio/platform/clock.h"
 #include "ambrelio/value/convert.h"
 #include "ambrelio/value/locale.h"
+#include "support/made_once.h"
 #include "support/mill_engine.h"
 #include "support/probe_engine.h"
 #include "support/temp_folder.h"
@@ -107,7 +108,9 @@ class MillTest : public ::testing::Test {
   // 4 hoppers, 2 intermediate hoppers, 6 tanks, no password, open.
   void SetUp() override {
     session.UseEngine(std::make_shared<ProbeEngine>(MakeMillEngine(), probe));
-    host::CreateMillDatabase(session.Engine(), folder.File("oliva.mdb"), "");
+    static MadeOnce database;
+    const std::string path = folder.File("oliva.mdb");
+    database.PutAt(path, [&] { host::CreateMillDatabase(session.Engine(), path, ""); });
     WriteSetting("Vardex.ini", "GENERAL", "MaxTolvas", "4,2,6");
     root.Constructor(folder.path(), false);
     ASSERT_TRUE(root.BaseAbierta());

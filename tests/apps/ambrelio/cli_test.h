@@ -16,6 +16,7 @@
 #include "ambrelio/kestro/ini_file.h"
 #include "ambrelio/kestro/tools.h"
 #include "run.h"
+#include "support/made_once.h"
 #include "support/temp_folder.h"
 
 namespace ambrelio::test {
@@ -105,7 +106,10 @@ class CliTest : public ::testing::Test {
 // A mill with its database.
 class MillCliTest : public CliTest {
  protected:
-  void SetUp() override { Create(); }
+  void SetUp() override {
+    static MadeOnce empty;
+    empty.PutAt(database(), [this] { Create(); });
+  }
 };
 
 }  // namespace ambrelio::test

@@ -16,6 +16,11 @@ class SmallMillTest : public CliTest {
  protected:
   void SetUp() override {
     SetUpIni("MaxTolvas", "3,1,4");
+    static MadeOnce mill;
+    mill.PutAt(database(), [this] { Fill(); });
+  }
+
+  void Fill() {
     Create();
     const Outcome outcome = Journal(
         R"j({"sql":"insert into SOCIO (CODSOC, NOMSOC) values (7, 'Núñez')"}
