@@ -71,8 +71,10 @@ class ConvertTest : public ::testing::Test {
     for (const char* const statement :
          {"insert into SOCIO (CODSOC, NOMSOC) values (7, 'Núñez')",
           "insert into SOCIO (CODSOC, NOMSOC) values (9, null)",
-          "insert into PESADA (COOPERATIVA, PARTIDA, MEDIANA, CODSOC, PARAJE, H_INICIO, TOLVA, "
-          "PARCIALPESO) values (1, 1, 0, 7, 'La Çuesta d''Or', #11/3/2025 08:15:30#, 1, 1234.5678)",
+          "insert into PESADA (COOPERATIVA, PARTIDA, MEDIANA, CODPRO, CODSOC, PARAJE, H_INICIO, "
+          "TOLVA, "
+          "PARCIALPESO) values (1, 1, 0, 2, 7, 'La Çuesta d''Or', #11/3/2025 08:15:30#, 1, "
+          "1234.5678)",
           "insert into Clientes (Codigo, Nombre, Info1) values (5, 'Straße', 'uno')"}) {
       database->Execute(statement, dao::kFailOnError);
     }
@@ -100,7 +102,8 @@ class ConvertTest : public ::testing::Test {
     }
     std::sort(indexes.begin(), indexes.end());
     for (const std::string& index : indexes) text += index;
-    for (auto rows = database.OpenRecordset(table.Name()); !rows->AtEnd(); rows->MoveNext()) {
+    const std::string all = "select * from [" + table.Name() + "]";
+    for (auto rows = database.OpenRecordset(all); !rows->AtEnd(); rows->MoveNext()) {
       text += "  row";
       for (int i = 0; i < rows->Fields().Count(); ++i) {
         const Variant value = rows->Value(i);
@@ -175,15 +178,26 @@ TEST_F(ConvertTest, TellsWhatCouldNotGoAlong) {
               testing::Not(IsEmpty()));
 }
 
+// An index cannot be made anew over characters whose place in the order is not known.
+bool HasTextOfUnknownOrder(std::string_view sample) {
+  return sample == "testIndexCodesV1997" || sample == "testUnicodeCompV2003";
+}
+
 class EverySample : public ConvertTest, public testing::WithParamInterface<jetfile::Sample> {};
 
 TEST_P(EverySample, IsTheSameInEitherForm) {
-  const auto& [name, password, jet4] = GetParam();
+  const std::string name = GetParam().name;
+  const std::string password = GetParam().password;
   const std::string sample = jetfile::SamplePath(name);
   Convert(sample, Path("new.sqlite"), password);
   const std::string description = DescriptionOf(sample, password);
   EXPECT_EQ(DescriptionOf(Path("new.sqlite"), password), description);
   EXPECT_THAT(CheckFile(Path("new.sqlite"), password), IsEmpty());
+  if (HasTextOfUnknownOrder(name)) {
+    EXPECT_EQ(test::ErrorOf([&] { Convert(sample, Path("new.mdb"), password); }), 3251);
+    EXPECT_FALSE(std::filesystem::exists(Path("new.mdb")));
+    return;
+  }
   Convert(sample, Path("new.mdb"), password);
   EXPECT_EQ(DescriptionOf(Path("new.mdb"), password), description);
   EXPECT_THAT(CheckFile(Path("new.mdb"), password), IsEmpty());
