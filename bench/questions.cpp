@@ -571,7 +571,10 @@ void RunSize(int64_t weighings, const Options& options, std::vector<Result>& res
 int main(int argc, char** argv) {
   Options options;
   CLI::App app("The library's questions against rivals, on seasons of growing size");
-  app.add_option("--sizes", options.sizes, "weighings, separated by commas")->delimiter(',');
+  // Of fewer weighings the tanks and days that are asked for cannot be filled.
+  app.add_option("--sizes", options.sizes, "weighings, separated by commas")
+      ->delimiter(',')
+      ->check(CLI::Range(int64_t{20'000}, int64_t{100'000'000}));
   app.add_option("--duckdb", options.duckdb, "DuckDB's shared library; left out without it");
   app.add_option("--rounds", options.rounds, "rounds, the best of which counts");
   app.add_option("--only", options.only, "only questions whose name holds this text");

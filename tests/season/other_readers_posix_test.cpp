@@ -33,7 +33,7 @@ TEST(OtherReaders, ReadAMillsFileAfterASeasonAsWeDo) {
     cli::JournalPlayer player(mill);
     SeasonOptions options;
     options.seed = 500;
-    for (const Json& line : MakeSeason(options)) {
+    for (const auto& line : MakeSeason(options)) {
       player.CarryOut(cli::ParseJournalLine(line.dump()));
     }
   }

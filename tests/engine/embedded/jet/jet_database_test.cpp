@@ -235,6 +235,30 @@ TEST_F(JetDatabase, ShowsTheTablesThatOthersMake) {
   EXPECT_THAT(RowsOf(*other, "Otra"), IsEmpty());
 }
 
+TEST_F(JetDatabase, KnowsATableThatOthersRename) {
+  const auto mine = Create();
+  AddTanks(*mine);
+  const auto other_engine = OtherEngine();
+  const auto other = other_engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "");
+  const auto table = other->TableDefs().Item("Tanques");
+  mine->TableDefs().Item("Tanques")->SetName("Bodega");
+  other->TableDefs().Refresh();
+  EXPECT_EQ(table->Name(), "Bodega");
+}
+
+TEST_F(JetDatabase, TellsATableFromTheNextOneOnItsPage) {
+  const auto mine = Create();
+  AddTanks(*mine);
+  const auto other_engine = OtherEngine();
+  const auto other = other_engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "");
+  const auto table = other->TableDefs().Item("Tanques");
+  mine->TableDefs().Delete("Tanques");
+  Run(*mine, "create table Otra (Id long)");
+  other->TableDefs().Refresh();
+  EXPECT_EQ(ErrorOf([&] { table->Name(); }), 3420);
+  EXPECT_EQ(other->TableDefs().Item(0)->Name(), "Otra");
+}
+
 TEST_F(JetDatabase, KeepsARecordsetAsItWasWhileOthersCommit) {
   const auto mine = Create();
   AddTanks(*mine);
