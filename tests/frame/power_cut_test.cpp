@@ -224,13 +224,11 @@ TEST_F(PowerCut, AMemberIsThereAsAWholeOrNotAtAllAndForGoodOnceItHasReturned) {
   }
 }
 
-// A commit to a Jet file waits twice: for what takes it back, and for itself.
 TEST_F(PowerCut, AMemberThatWritesWaitsForTheDiskAsACommitDoes) {
-  const int once = test::FormOfTestFiles() == embedded::NewFiles::kOfEngine ? 1 : 2;
   for (const Step& member : Members()) {
     record.Follow(folder.path());
     member.call();
-    EXPECT_EQ(Waits(), once) << member.name;
+    EXPECT_EQ(Waits(), test::WaitsOfACommit()) << member.name;
   }
 }
 

@@ -15,4 +15,8 @@ inline embedded::NewFiles FormOfTestFiles() {
                                                             : embedded::NewFiles::kOfEngine;
 }
 
+// How often a commit to such a file waits for the disk: the engine's own form for its log alone, a
+// Jet file for what would take the commit back, and for itself.
+inline int WaitsOfACommit() { return FormOfTestFiles() == embedded::NewFiles::kOfEngine ? 1 : 2; }
+
 }  // namespace ambrelio::test

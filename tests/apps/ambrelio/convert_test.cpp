@@ -16,6 +16,9 @@ class ConvertCommand : public test::CliTest {
     arguments.insert(arguments.begin(), "convert");
     return test::RunCli(std::move(arguments));
   }
+  static std::string Sample(const std::string& name) {
+    return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/" + name + ".mdb";
+  }
   std::string copy() const { return folder.File("copy.sqlite"); }
 };
 
@@ -33,8 +36,7 @@ TEST_F(ConvertCommand, CopiesAMill) {
 }
 
 TEST_F(ConvertCommand, PrintsWhatDidNotGoAlong) {
-  const auto outcome =
-      Convert({AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/indexTestV2000.mdb", copy()});
+  const auto outcome = Convert({Sample("indexTestV2000"), copy()});
   EXPECT_EQ(outcome.code, 1);
   EXPECT_THAT(outcome.out, testing::StartsWith("No se ha copiado: relationship "));
   EXPECT_TRUE(std::filesystem::exists(copy()));
@@ -48,7 +50,7 @@ TEST_F(ConvertCommand, CannotReadOrMakeTheFile) {
   const auto taken = Convert({database(), app + "/Vardex.ini"});
   EXPECT_EQ(taken.code, 3);
   EXPECT_THAT(taken.err, HasSubstr("Vardex.ini"));
-  EXPECT_EQ(Convert({database(), copy(), "--password", "agua"}).code, 3);
+  EXPECT_EQ(Convert({Sample("password"), copy(), "--password", "agua"}).code, 3);
   EXPECT_FALSE(std::filesystem::exists(copy()));
 }
 
