@@ -77,23 +77,23 @@ TEST_F(Program, AReaderThatWentAwayIsNamed) {
   EXPECT_THAT(outcome.err, HasSubstr("Broken pipe\ncode 3\n"));
 }
 
-TEST_F(Program, ReplaysTheExampleSeasonWithoutAnError) {
+TEST_F(Program, ReplaysTheBeginningOfTheExampleSeasonWithoutAnError) {
   SetUpIni("MaxTolvas", "4,2,12");
-  const auto outcome = Shell("$AMBRELIO journal --app $APP '" AMBRELIO_SOURCE_DIR
-                             "/examples/campana/journal.jsonl'");
+  const auto outcome = Shell("head -n 1500 '" AMBRELIO_SOURCE_DIR
+                             "/examples/campana/journal.jsonl' | $AMBRELIO journal --app $APP -");
   EXPECT_EQ(outcome.code, 0) << outcome.err;
-  EXPECT_EQ(outcome.lines().size(), 6573U);
+  EXPECT_EQ(outcome.lines().size(), 1500U);
   EXPECT_THAT(outcome.out, testing::Not(HasSubstr("\"error\"")));
 
   EXPECT_EQ(Shell("$AMBRELIO deposito --app $APP --csv").lines().size(), 13U);
   EXPECT_EQ(Shell("$AMBRELIO deposito --app $APP 9 --por socio --csv").out,
             Shell("$AMBRELIO call --app $APP 'Deposito(9).Composicion' 1 --csv").out);
-  EXPECT_EQ(Shell("$AMBRELIO historia niveles --app $APP --desde 2025-12-01 --hasta 2025-12-31 "
+  EXPECT_EQ(Shell("$AMBRELIO historia niveles --app $APP --desde 2025-11-01 --hasta 2025-11-15 "
                   "--deposito 9 --csv | tail -n +2")
                 .lines()
                 .size(),
             std::stoul(Shell("$AMBRELIO sql --app $APP \"select count(*) from Niveles where "
-                             "Deposito=9 and Momento between #12/1/2025# and #1/1/2026#\" "
+                             "Deposito=9 and Momento between #11/1/2025# and #11/16/2025#\" "
                              "--csv | tail -n 1")
                            .out));
 }
