@@ -10,6 +10,26 @@ function(ambrelio_keep_this_system list)
   set(${list} ${${list}} PARENT_SCOPE)
 endfunction()
 
+# The standard headers cost more to read than most sources of the rooms: where it is wanted, they are
+# read once.
+function(ambrelio_read_standard_headers)
+  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/standard_headers.cpp" "")
+  add_library(standard_headers OBJECT EXCLUDE_FROM_ALL
+              "${CMAKE_CURRENT_BINARY_DIR}/standard_headers.cpp")
+  target_link_libraries(standard_headers PRIVATE ambrelio_warnings)
+  target_compile_options(standard_headers PRIVATE ${AMBRELIO_FUZZED})
+  target_precompile_headers(standard_headers PRIVATE
+    <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <set> <span>
+    <string> <string_view> <utility> <variant> <vector>)
+endfunction()
+
+# Gives a library of the project what ambrelio_read_standard_headers() has read.
+function(ambrelio_use_standard_headers target)
+  if(AMBRELIO_PRECOMPILE)
+    target_precompile_headers(${target} REUSE_FROM standard_headers)
+  endif()
+endfunction()
+
 # A room is one folder of src/ambrelio with what it may know. Each is a library of its own, so that
 # a use that runs against the arrows of docs/architecture.md does not link; together they are
 # `ambrelio`. A room for Windows alone is empty on other systems.
@@ -29,6 +49,7 @@ function(ambrelio_room folder)
   target_compile_options(room_${name} PRIVATE ${AMBRELIO_FUZZED})
   target_link_libraries(room_${name} PRIVATE $<BUILD_INTERFACE:ambrelio_warnings>
                         PUBLIC ${ROOM_LINKS})
+  ambrelio_use_standard_headers(room_${name})
   foreach(known IN LISTS ROOM_KNOWS)
     string(REPLACE "/" "_" known_name "${known}")
     target_link_libraries(room_${name} PUBLIC room_${known_name})

@@ -67,7 +67,7 @@ constexpr int kActions = 2;
 
 TEST_F(Differential, RandomStatementsOverRandomTables) {
   const uint64_t first = Setting("AMBRELIO_DIFFERENTIAL_SEED", 1);
-  const uint64_t rounds = Setting("AMBRELIO_DIFFERENTIAL_ROUNDS", 4);
+  const uint64_t rounds = Setting("AMBRELIO_DIFFERENTIAL_ROUNDS", 2);
   for (uint64_t seed = first; seed < first + rounds; ++seed) {
     Chance chance(seed);
     const std::string path = folder_.File(std::to_string(seed) + ".sqlite");
