@@ -38,6 +38,20 @@ class Answer {
     Add(ToDouble(value));
   }
 
+  // Puts the rows in the order of their values, for whom any order is right. All must have as many
+  // values.
+  void SortRows() {
+    if (rows_ == 0) return;
+    const size_t width = cells_.size() / static_cast<size_t>(rows_);
+    std::vector<std::vector<Cell>> rows;
+    for (auto cell = cells_.begin(); cell != cells_.end(); cell += static_cast<ptrdiff_t>(width)) {
+      rows.emplace_back(cell, cell + static_cast<ptrdiff_t>(width));
+    }
+    std::sort(rows.begin(), rows.end());
+    cells_.clear();
+    for (const std::vector<Cell>& row : rows) cells_.insert(cells_.end(), row.begin(), row.end());
+  }
+
   // Whether both are kept and the same, sums up to their last digits.
   friend bool Equal(const Answer& a, const Answer& b) { return Difference(a, b).empty(); }
   // Where they differ; "" when they do not.

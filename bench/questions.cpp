@@ -13,7 +13,6 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 
@@ -21,7 +20,6 @@
 #include "ambrelio/engine/embedded/embedded_engine.h"
 #include "ambrelio/engine/mill_indexes.h"
 #include "ambrelio/frame/trazabilidad.h"
-#include "ambrelio/hoppers/descarga.h"
 #include "ambrelio/hoppers/tolva.h"
 #include "ambrelio/host/create_database.h"
 #include "ambrelio/kestro/tools.h"
@@ -32,6 +30,8 @@
 #include "contest.h"
 #include "duckdb.h"
 #include "generated_mill.h"
+#include "library_mill.h"
+#include "measure.h"
 #include "support/probe_engine.h"
 #include "support/temp_folder.h"
 
@@ -43,75 +43,17 @@ using embedded::PlanOptions;
 
 using Season = GeneratedSeason;
 
-constexpr int kDischarge = 30;  // of another hopper than the picked one
+constexpr int kDischarge = kAskedDischarge;
 constexpr int16_t kOtherHopper = Season::kOtherHopper;
 constexpr int16_t kPickedTank = Season::kPickedTank;
 constexpr int16_t kFullTank = Season::kFullTank;
 constexpr int kEmptying = Season::kPickedEmptyings;
-constexpr int16_t kClasses = 5;
-
-// After everything that the season holds.
-const ManualClock kClock(OleDate::FromDays(Season::PickedDay().days() + 2));
-
-// The library at work on a database.
-class Mill {
- public:
-  Mill(const std::string& folder, std::shared_ptr<dao::DBEngine> engine) {
-    session.UseEngine(std::move(engine));
-    root.Constructor(folder, false);
-    if (!root.BaseAbierta()) {
-      fmt::print(stderr, "the generated database does not open\n");
-      std::exit(1);
-    }
-  }
-  dao::Workspace& workspace() { return session.Workspace(); }
-  dao::Database& database() { return session.Database(); }
-
-  Session session;
-  Trazabilidad root{session};
-};
 
 std::shared_ptr<dao::DBEngine> MakeEngine(const PlanOptions& plan) {
   return embedded::CreateEngine(plan, engine::MillIndexes());
 }
 
 // --- what is asked of the library
-
-using AskMill = std::function<void(Mill&, Answer&)>;
-
-void AddList(const Variant& list, Answer& answer) {
-  if (!list.is_array()) return;
-  for (const Variant& row : list.array()) {
-    for (const Variant& value : row.array()) answer.Add(value);
-    answer.EndRow();
-  }
-}
-
-void AddNumber(double number, Answer& answer) {
-  answer.Add(number);
-  answer.EndRow();
-}
-
-AskMill Query(const std::string& text) {
-  return [text](Mill& mill, Answer& answer) {
-    const auto rows = mill.database().OpenRecordset(text);
-    const int columns = rows->Fields().Count();
-    for (; !rows->AtEnd(); rows->MoveNext()) {
-      for (int i = 0; i < columns; ++i) answer.Add(rows->Value(i));
-      answer.EndRow();
-    }
-  };
-}
-
-AskMill TankComposition(int16_t tank, int16_t clase) {
-  return [=](Mill& mill, Answer& answer) {
-    AddList(mill.root.Deposito(tank)->Composicion(clase), answer);
-  };
-}
-
-void AskWeight(Mill& mill, Answer& answer) {
-  AddNumber(mill.root.Tolva(kOtherHopper)->Descarga(kDischarge)->Kilos(), answer);
-}
 
 void AskStates(Mill& mill, Answer& answer) {
   for (int16_t tank = 1; tank <= mill.session.tank_count; ++tank) {
@@ -135,70 +77,12 @@ void AskCurrentDischarge(Mill& mill, Answer& answer) {
 
 // --- the writing questions, and what the tables hold of them
 
-std::vector<std::string> DischargeSums(const Season& season) {
-  const std::string of =
-      fmt::format(" where Tolva={} and Descarga>={}", kOtherHopper, season.closed_discharges);
-  return {"select sum(PARCIALPESO*DESCARGA) from PESADA" + of,
-          "select sum(fraccion*descarga) from splitDescar" + of,
-          "select count(*) from splitDescar" + of,
-          "select sum(Descarga*(Deposito+1)) from Descargas" + of};
-}
-
 std::vector<std::string> EmptyingSums() {
   const std::string of = fmt::format(" where Deposito={}", kPickedTank);
   return {"select sum(Fraccion*Descarga) from Descargas" + of,
           "select sum(Cantidad*Vaciado) from Vaciados" + of,
           "select sum(Fraccion*Descarga*Vaciado) from detVaciados" + of,
           "select count(*) from Niveles" + of};
-}
-
-using AddSum = std::function<void(const std::string& sum, Answer& answer)>;
-
-// A change and its undoing; as long as answers are kept, with the sums before, between and after.
-void ChangeAndUndo(const std::vector<std::string>& sums, const AddSum& add, Answer& answer,
-                   const std::function<void()>& change, const std::function<void()>& undo) {
-  const auto look = [&](Answer& into) {
-    for (const std::string& sum : sums) add(sum, into);
-  };
-  if (!answer.kept()) {
-    change();
-    undo();
-    for (size_t i = 0; i < sums.size(); ++i) answer.EndRow();  // as many as an answer has
-    return;
-  }
-  Answer before(true), between(true), after(true);
-  look(before);
-  change();
-  look(between);
-  look(answer);
-  undo();
-  look(after);
-  if (!Equal(before, after) || Equal(before, between)) {
-    fmt::print(stderr, "a change was not made, or not undone\n");
-    std::exit(1);
-  }
-}
-
-void Require(bool done, const char* what) {
-  if (done) return;
-  fmt::print(stderr, "{} was refused\n", what);
-  std::exit(1);
-}
-
-constexpr int16_t kMillLine = 1;
-constexpr double kShareOut = 0.5;
-
-AskMill DischargeAndRestore(const Season& season) {
-  return [sums = DischargeSums(season)](Mill& mill, Answer& answer) {
-    const auto add = [&](const std::string& sum, Answer& into) { Query(sum)(mill, into); };
-    ChangeAndUndo(
-        sums, add, answer,
-        [&] {
-          double share = kShareOut;
-          Require(mill.root.Tolva(kOtherHopper)->Descargar(3, kMillLine, share), "Descargar");
-        },
-        [&] { Require(mill.root.Tolva(kOtherHopper)->RestaurarCarga(), "RestaurarCarga"); });
-  };
 }
 
 AskMill SellAndUndo(double litres) {
@@ -381,22 +265,24 @@ std::vector<Draft> MakeDrafts(const std::string& folder, const Season& season) {
                           [&by_hand](Answer& a) { by_hand.AskCurrentDischarge(kOtherHopper, a); };
                     }});
 
-  drafts.push_back(
-      {.name = "6 discharge with a share, and back",
-       .library = DischargeAndRestore(season),
-       .by_hand =
-           [sums = DischargeSums(season)](ByHand& by_hand) {
-             return [&by_hand, sums](Answer& answer) {
-               const auto add = [&](const std::string& sum, Answer& into) {
-                 by_hand.Ask(by_hand.Prepare(sum), {}, into);
-               };
-               ChangeAndUndo(
-                   sums, add, answer,
-                   [&] { by_hand.Discharge(kOtherHopper, 3, kMillLine, kShareOut, kClock.Now()); },
-                   [&] { by_hand.RestoreDischarge(kOtherHopper); });
-             };
-           },
-       .writes = true});
+  drafts.push_back({.name = "6 discharge with a share, and back",
+                    .library = DischargeAndRestore(season),
+                    .by_hand =
+                        [sums = DischargeSums(season)](ByHand& by_hand) {
+                          return [&by_hand, sums](Answer& answer) {
+                            const auto add = [&](const std::string& sum, Answer& into) {
+                              by_hand.Ask(by_hand.Prepare(sum), {}, into);
+                            };
+                            ChangeAndUndo(
+                                sums, add, answer,
+                                [&] {
+                                  by_hand.Discharge(kOtherHopper, 3, kMillLine, kShareOut,
+                                                    AfterTheSeason());
+                                },
+                                [&] { by_hand.RestoreDischarge(kOtherHopper); });
+                          };
+                        },
+                    .writes = true});
   const double sold = litres_of(kPickedTank) / 2;
   drafts.push_back({.name = "7 emptying of 20 discharges, and back",
                     .library = SellAndUndo(sold),
@@ -408,7 +294,7 @@ std::vector<Draft> MakeDrafts(const std::string& folder, const Season& season) {
                             };
                             ChangeAndUndo(
                                 EmptyingSums(), add, answer,
-                                [&] { by_hand.Sell(kPickedTank, sold, kClock.Now()); },
+                                [&] { by_hand.Sell(kPickedTank, sold, AfterTheSeason()); },
                                 [&] { by_hand.UndoEmptying(kPickedTank); });
                           };
                         },
@@ -486,20 +372,6 @@ void AddRivals(Question& question, const Draft& draft, Rivals& rivals, bool as_w
 
 // --- the run
 
-// Of this process in MiB; the peak since it was last forgotten.
-int64_t PeakMemory() {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmHWM:")) return std::stoll(line.substr(6)) / 1024;
-  }
-  return 0;
-}
-void ForgetPeakMemory() { std::ofstream("/proc/self/clear_refs") << "5"; }
-
-double SecondsSince(const std::chrono::steady_clock::time_point& start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 struct Options {
   std::vector<int64_t> sizes = {20'000, 200'000};
   std::string duckdb;
@@ -511,8 +383,7 @@ Season MakeMill(const std::string& folder, const std::string& path, int64_t weig
   const auto start = std::chrono::steady_clock::now();
   SeasonSize size;
   size.weighings = weighings;
-  std::ofstream(folder + "/Vardex.ini")
-      << fmt::format("[GENERAL]\nMaxTolvas={},2,{}\n", size.hoppers, size.tanks);
+  WriteSettings(folder, size, "oliva.ambrelio");
   host::CreateMillDatabase(*embedded::CreateEngine(), path, "");
   const Season season = FillSeason(path, size);
   Mill(folder, MakeEngine({})).database();  // the indexes are made now
@@ -525,7 +396,7 @@ void RunSize(int64_t weighings, const Options& options, std::vector<Result>& res
   // What took a tenth of a second as written is not asked like that of a larger season.
   constexpr double kTooSlow = 1e5;
   const test::TempFolder folder;
-  const std::string path = folder.File("oliva.mdb");
+  const std::string path = folder.File("oliva.ambrelio");
   const Season season = MakeMill(folder.path(), path, weighings);
   std::vector<Draft> drafts = MakeDrafts(folder.path(), season);
   StepCounter counter;
@@ -581,7 +452,8 @@ int main(int argc, char** argv) {
   CLI11_PARSE(app, argc, argv);
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
 
-  const ScopedClock scoped_clock(kClock);
+  const ManualClock clock(AfterTheSeason());
+  const ScopedClock scoped_clock(clock);
   std::vector<Result> results;
   fmt::print("steps are those of SQLite's machine, KiB what SQLite needed beside its caches\n");
   if (options.duckdb.empty()) fmt::print("DuckDB is left out\n");

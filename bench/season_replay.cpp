@@ -1,13 +1,12 @@
 // The replay of the example season through the library, against the same statements sent straight
 // to SQLite: prepared beforehand, literals bound, with the same transactions and so the same
-// commits.
+// commits. The library replays it over a file of the engine's own, and over a Jet file.
 //
 // The rival knows neither members nor texts: it is given the list of what the library sent. It
 // checks that it writes and reads as many rows with every statement, and that the tables end up
 // equal.
 
 #include <fmt/core.h>
-#include <sys/resource.h>
 
 #include <chrono>
 #include <fstream>
@@ -18,6 +17,7 @@
 #include "ambrelio/engine/engine.h"
 #include "ambrelio/host/create_database.h"
 #include "journal.h"
+#include "measure.h"
 #include "mill.h"
 #include "raw_sqlite.h"
 #include "support/probe_engine.h"
@@ -31,32 +31,36 @@ using namespace ambrelio::bench;
 const std::string kSeason = std::string(AMBRELIO_SOURCE_DIR) + "/examples/campana/";
 constexpr int kRounds = 3;
 
-double Seconds(const std::chrono::steady_clock::time_point& start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
+// The names of databases tell what files they are.
+constexpr const char* kOwnFile = "oliva.ambrelio";
+constexpr const char* kJetFile = "oliva.mdb";
 
 // A mill of its own, with a new database.
 class FreshMill {
  public:
-  FreshMill() {
-    for (const char* file : {"CLIEN.INI", "Vardex.ini"}) {
-      std::filesystem::copy(kSeason + file, folder.File(file));
-    }
-    host::CreateMillDatabase(*engine::Create(), folder.File("oliva.mdb"), "");
+  explicit FreshMill(const char* database) : path(folder.File(database)) {
+    std::filesystem::copy(kSeason + "CLIEN.INI", folder.File("CLIEN.INI"));
+    std::ofstream(folder.File("Vardex.ini"))
+        << "[GENERAL]\nMaxTolvas=4,2,12\nBaseDatos=" << database << "\n[SENSORES]\n";
+    host::CreateMillDatabase(*engine::Create(), path, "");
   }
   test::TempFolder folder;
+  std::string path;
 };
 
-// Carries out the season and gives the seconds it took.
-double ReplayThroughTheLibrary(const std::vector<cli::JournalLine>& season,
-                               const std::shared_ptr<dao::DBEngine>& engine) {
-  const FreshMill fresh;
+// Carries out the season and gives the seconds it took; `check` sees the database at the end.
+template <class Check>
+double ReplayThroughTheLibrary(const std::vector<cli::JournalLine>& season, const char* database,
+                               const Check& check) {
+  const FreshMill fresh(database);
   cli::Console console{std::cin, std::cout, std::cerr};
-  cli::Mill mill({fresh.folder.path()}, engine, console);
+  cli::Mill mill({fresh.folder.path()}, engine::Create(), console);
   const auto start = std::chrono::steady_clock::now();
   cli::JournalPlayer player(mill);
   for (const cli::JournalLine& line : season) player.CarryOut(line);
-  return Seconds(start);
+  const double seconds = SecondsSince(start);
+  check(mill.session().Database());
+  return seconds;
 }
 
 // A statement of the season, ready for SQLite.
@@ -121,10 +125,9 @@ std::vector<Step> StepsFor(const std::vector<std::string>& sent) {
 // end.
 template <class Check>
 double ReplayOnSqlite(const std::vector<Step>& steps, const Check& check) {
-  const FreshMill fresh;
+  const FreshMill fresh(kOwnFile);
   const auto engine = engine::Create();
-  const auto model = engine->DefaultWorkspace().OpenDatabase(fresh.folder.File("oliva.mdb"), false,
-                                                             false, ";pwd=");
+  const auto model = engine->DefaultWorkspace().OpenDatabase(fresh.path, false, false, ";pwd=");
   RawDatabase raw(fresh.folder.File("raw.sqlite"));
   CopySchema(*model, raw);
   std::vector<sqlite3_stmt*> prepared;
@@ -153,7 +156,7 @@ double ReplayOnSqlite(const std::vector<Step>& steps, const Check& check) {
     }
     if (sqlite3_reset(statement) != SQLITE_OK) bench::Check(raw.db(), false, steps[i].sql);
   }
-  const double seconds = Seconds(start);
+  const double seconds = SecondsSince(start);
   check(raw);
   return seconds;
 }
@@ -169,6 +172,36 @@ const std::vector<std::string> kSums = {
     "select sum(Litros) from Niveles",
 };
 
+std::vector<double> SumsIn(dao::Database& database) {
+  std::vector<double> sums;
+  for (const std::string& sum : kSums) {
+    sums.push_back(ToDouble(database.OpenRecordset(sum)->Value(0)));
+  }
+  return sums;
+}
+
+// Ends the program when a side comes to something else.
+void RequireSums(const std::vector<double>& found, const std::vector<double>& expected,
+                 const char* side) {
+  for (size_t i = 0; i < kSums.size(); ++i) {
+    if (std::abs(found[i] - expected[i]) <= 1e-9 * std::abs(expected[i])) continue;
+    fmt::print(stderr, "{} disagrees on {}: {} instead of {}\n", side, kSums[i], found[i],
+               expected[i]);
+    std::exit(1);
+  }
+}
+
+std::vector<double> SumsIn(RawDatabase& raw) {
+  std::vector<double> sums;
+  for (const std::string& text : kSums) {
+    sqlite3_stmt* sum = raw.Prepare(text);
+    sqlite3_step(sum);
+    sums.push_back(sqlite3_column_double(sum, 0));
+    sqlite3_reset(sum);
+  }
+  return sums;
+}
+
 }  // namespace
 
 int main() {
@@ -180,7 +213,7 @@ int main() {
   const auto probe = std::make_shared<test::Probe>();
   std::vector<double> expected;
   {
-    const FreshMill fresh;
+    const FreshMill fresh(kOwnFile);
     cli::Console console{std::cin, std::cout, std::cerr};
     cli::Mill mill({fresh.folder.path()},
                    std::make_shared<test::ProbeEngine>(engine::Create(), probe), console);
@@ -188,35 +221,29 @@ int main() {
     cli::JournalPlayer player(mill);
     for (const cli::JournalLine& line : season) player.CarryOut(line);
     const std::vector<std::string> sent = probe->events;
-    for (const std::string& sum : kSums) {
-      expected.push_back(ToDouble(mill.session().Database().OpenRecordset(sum)->Value(0)));
-    }
+    expected = SumsIn(mill.session().Database());
     probe->events = sent;
   }
   const std::vector<Step> steps = StepsFor(probe->events);
 
-  double library = 1e9, rival = 1e9;
+  double library = 1e9, jet = 1e9, rival = 1e9;
   for (int round = 0; round < kRounds; ++round) {
-    library = std::min(library, ReplayThroughTheLibrary(season, engine::Create()));
+    const auto replay = [&](const char* file, const char* side) {
+      return ReplayThroughTheLibrary(season, file, [&](dao::Database& database) {
+        RequireSums(SumsIn(database), expected, side);
+      });
+    };
+    library = std::min(library, replay(kOwnFile, "the library"));
+    jet = std::min(jet, replay(kJetFile, "the library over a Jet file"));
     rival = std::min(rival, ReplayOnSqlite(steps, [&](RawDatabase& raw) {
-                       for (size_t i = 0; i < kSums.size(); ++i) {
-                         sqlite3_stmt* sum = raw.Prepare(kSums[i]);
-                         sqlite3_step(sum);
-                         const double found = sqlite3_column_double(sum, 0);
-                         if (std::abs(found - expected[i]) > 1e-9 * std::abs(expected[i])) {
-                           fmt::print(stderr, "the rival disagrees on {}: {} instead of {}\n",
-                                      kSums[i], found, expected[i]);
-                           std::exit(1);
-                         }
-                         sqlite3_reset(sum);
-                       }
+                       RequireSums(SumsIn(raw), expected, "the rival");
                      }));
   }
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
   fmt::print("season of {} lines, {} statements and transaction steps, answers equal\n",
              season.size(), steps.size());
   fmt::print("library {:.2f} s, prepared statements on SQLite {:.2f} s, ratio {:.2f}\n", library,
              rival, library / rival);
-  fmt::print("largest memory of the whole run: {} MiB\n", usage.ru_maxrss / 1024);
+  fmt::print("library over a Jet file {:.2f} s, ratio to its own file {:.2f}\n", jet,
+             jet / library);
+  fmt::print("largest memory of the whole run: {} MiB\n", PeakMemory());
 }
