@@ -11,6 +11,7 @@
 #include "ambrelio/host/create_database.h"
 #include "engine/jetfile/mdbtools_program.h"
 #include "engine/jetfile/mdbtools_text.h"
+#include "engine/jetfile/samples.h"
 #include "journal.h"
 #include "season/season_generator.h"
 #include "support/temp_folder.h"
@@ -38,7 +39,7 @@ TEST(OtherReaders, ReadAMillsFileAfterASeasonAsWeDo) {
     }
   }
   EXPECT_THAT(engine::CheckFile(file, ""), testing::IsEmpty());
-  const std::string ours = jetfile::MdbtoolsText(jetfile::JetFile::Open(file, ""));
+  const std::string ours = jetfile::MdbtoolsText(jetfile::ReadFromDisk(file));
   EXPECT_THAT(ours, testing::HasSubstr("Descargas"));
   EXPECT_EQ(ours, jetfile::OutputOf(AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/expected/tell '" +
                                     file + "'"));

@@ -149,6 +149,17 @@ TEST(CheckDefinition, FindsAnImpossibleNumber) {
   EXPECT_THAT(copy.Findings(), Finds(Rule::kDefinition, kRightsPage, "impossible number 4"));
 }
 
+TEST(CheckDefinition, FindsTwoColumnsOfOneNumber) {
+  const auto found = Finds(Rule::kCatalogue, kRightsPage, "two columns have the number");
+  int number_of_times = 0;
+  for (const int number : {0, 1, 2, 3}) {  // of which one is the column's own
+    Copy copy("adox_jet4");
+    copy.Put({kRightsPage, kFirstColumn + 25 + 5}, number, 2);
+    if (testing::Matches(found)(copy.Findings())) ++number_of_times;
+  }
+  EXPECT_EQ(number_of_times, 3);
+}
+
 TEST(CheckDefinition, FindsAnImpossibleVariableIndex) {
   Copy copy("adox_jet4");
   copy.Put({kRightsPage, kFirstColumn + 3 * 25 + 7}, 1, 2);

@@ -132,7 +132,7 @@ TEST(IndexKey, IsRefusedWhenItWouldBeCut) {
 // in the accents behind them that library counts the sharp s as one letter, the original engine as
 // two.
 TEST(IndexKey, OfEveryCharacterHasTheWeightsThatAnotherLibraryWrites) {
-  const JetFile file = JetFile::Open(SamplePath("testUnicodeCompV2003"), "");
+  const JetFile file = ReadFromDisk(SamplePath("testUnicodeCompV2003"));
   const Catalogue catalogue = ReadCatalogue(file);
   const auto definition =
       ReadDefinition(file, catalogue.Find(ObjectType::kTable, "Table")->definition_page());

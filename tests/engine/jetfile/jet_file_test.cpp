@@ -11,7 +11,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr int kFileNotFound = 3024;
 constexpr int kWrongPassword = 3031;
 constexpr int kDamaged = 3049;
 constexpr int kUnrecognised = 3343;
@@ -30,25 +29,12 @@ std::string WhyNotOpened(const Bytes& bytes) {
   return "opened";
 }
 
-TEST(JetFile, ReadsFromDiskWhatItReadsFromMemory) {
-  const JetFile disk = JetFile::Open(SamplePath("indexTestV2000"), "");
-  const JetFile memory = JetFile::FromBytes(SampleBytes("indexTestV2000"), "");
-  ASSERT_EQ(disk.page_count(), memory.page_count());
-  for (uint32_t page = 0; page < disk.page_count(); ++page) {
-    EXPECT_EQ(*disk.Read(page), *memory.Read(page));
-  }
-}
-
 TEST(JetFile, OpensWithItsPasswordOnly) {
   const Bytes file = SampleBytes("password");
   EXPECT_EQ(OpeningFails(file, "ucanaccess"), 0);
   EXPECT_EQ(OpeningFails(file, "Ucanaccess"), kWrongPassword);
   EXPECT_EQ(OpeningFails(file), kWrongPassword);
   EXPECT_EQ(OpeningFails(SampleBytes("pivot"), "ucanaccess"), 0);  // has none
-}
-
-TEST(JetFile, IsMissing) {
-  EXPECT_EQ(test::ErrorOf([] { JetFile::Open("/no/such/file.mdb", ""); }), kFileNotFound);
 }
 
 TEST(JetFile, RefusesLaterVersions) {
@@ -93,7 +79,7 @@ TEST(JetFile, IsDamagedWithoutItsFirstPages) {
 }
 
 TEST(Header, UnmasksAndMasksToTheSameBytes) {
-  const Bytes page = *JetFile::Open(SamplePath("password"), "ucanaccess").Read(0);
+  const Bytes page = *ReadFromDisk(SamplePath("password"), "ucanaccess").Read(0);
   Bytes twice = page;
   MaskHeader(twice, kJet4);
   EXPECT_NE(twice, page);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ambrelio/engine/jetfile/jet_file.h"
+#include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::jetfile {
 
@@ -55,13 +56,18 @@ inline const std::vector<Sample>& Samples() {
 inline std::string SampleFolder() { return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/"; }
 inline std::string SamplePath(const std::string& name) { return SampleFolder() + name + ".mdb"; }
 
-inline Bytes SampleBytes(const std::string& name) {
-  std::ifstream file(SamplePath(name), std::ios::binary);
+inline Bytes BytesOnDisk(const std::string& path) {
+  std::ifstream file(FilePath(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
+inline Bytes SampleBytes(const std::string& name) { return BytesOnDisk(SamplePath(name)); }
 
+// What a file holds at the moment.
+inline JetFile ReadFromDisk(const std::string& path, std::string_view password = "") {
+  return JetFile::FromBytes(BytesOnDisk(path), password);
+}
 inline JetFile OpenSample(const Sample& sample) {
-  return JetFile::Open(SamplePath(sample.name), sample.password);
+  return ReadFromDisk(SamplePath(sample.name), sample.password);
 }
 
 // A name that a test may have.

@@ -10,7 +10,7 @@ namespace ambrelio::jetfile {
 namespace {
 
 std::string SqlOf(const std::string& sample, const std::string& query) {
-  const JetFile file = JetFile::Open(SamplePath(sample), "");
+  const JetFile file = ReadFromDisk(SamplePath(sample));
   const Catalogue catalogue = ReadCatalogue(file);
   const CatalogueObject* object = catalogue.Find(ObjectType::kQuery, query);
   return object == nullptr ? "there is no such query" : ReadQuerySql(file, catalogue, *object);

@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(Files, EveryJet4Row,
                                          "fixedTextTestV2000", "pivot"));
 
 TEST_P(EveryJet4Row, ReadsAgainWhatWasEncoded) {
-  const JetFile file = JetFile::Open(SamplePath(GetParam()), "");
+  const JetFile file = ReadFromDisk(SamplePath(GetParam()), "");
   const Catalogue catalogue = ReadCatalogue(file);
   size_t rows = 0;
   for (const CatalogueObject& object : catalogue.objects) {
@@ -140,7 +140,7 @@ TEST_P(EveryJet4Row, ReadsAgainWhatWasEncoded) {
 }
 
 TEST(Row, IsEncodedAsTheOriginalEngineDoes) {
-  const JetFile file = JetFile::Open(SamplePath("adox_jet4"), "");
+  const JetFile file = ReadFromDisk(SamplePath("adox_jet4"));
   const TableDefinition definition = ReadDefinition(file, 3);
   // In the order of the definition: ACM, FInheritable, ObjectId, SID.
   const RowValues values = {FromHex("00 00 06 00"), std::nullopt, FromHex("02 00 00 00"),
@@ -150,7 +150,7 @@ TEST(Row, IsEncodedAsTheOriginalEngineDoes) {
 }
 
 TEST(Row, IsRefusedWhenNoPageCouldHoldIt) {
-  const JetFile file = JetFile::Open(SamplePath("adox_jet4"), "");
+  const JetFile file = ReadFromDisk(SamplePath("adox_jet4"));
   const TableDefinition definition = ReadDefinition(file, 3);
   EXPECT_EQ(test::ErrorOf([&] {
               EncodeRow(definition, {std::nullopt, std::nullopt, std::nullopt, Bytes(4060)});

@@ -15,7 +15,7 @@ constexpr uint32_t kRightsPage = 3;
 
 class WorkedBytes : public testing::Test {
  protected:
-  JetFile file_ = JetFile::Open(SamplePath("adox_jet4"), "");
+  JetFile file_ = ReadFromDisk(SamplePath("adox_jet4"));
 };
 
 TEST_F(WorkedBytes, DefinitionOfMSysACEs) {
@@ -104,7 +104,7 @@ TEST_F(WorkedBytes, PagesOfANewDatabase) {
 }
 
 TEST(WorkedTree, OfTwoLevels) {
-  const JetFile file = JetFile::Open(SamplePath("compIndexTestV2000"), "");
+  const JetFile file = ReadFromDisk(SamplePath("compIndexTestV2000"));
   const IndexPage root = ReadIndexPage(file, 29);
   EXPECT_FALSE(root.leaf);
   EXPECT_EQ(root.Children(), (std::vector<uint32_t>{32, 33}));

@@ -58,10 +58,9 @@ class DefinitionCheck {
   }
 
   void CheckNumbers() {
-    std::set<uint16_t> numbers;
     std::set<uint16_t> variable;
     for (const ColumnDefinition& column : definition_.columns) {
-      if (column.number >= definition_.column_mark || !numbers.insert(column.number).second) {
+      if (column.number >= definition_.column_mark) {
         Say("the column " + column.name + " has the impossible number " +
             std::to_string(column.number));
       }

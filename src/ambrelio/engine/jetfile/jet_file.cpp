@@ -1,21 +1,11 @@
 #include "ambrelio/engine/jetfile/jet_file.h"
 
 #include "ambrelio/engine/jetfile/damage.h"
-#include "ambrelio/engine/jetfile/open_file.h"
 #include "ambrelio/engine/jetfile/rc4.h"
 #include "ambrelio/engine/jetfile/text.h"
-#include "ambrelio/platform/file_path.h"
 #include "ambrelio/platform/text_encoding.h"
 
 namespace ambrelio::jetfile {
-
-JetFile JetFile::Open(const std::string& path, std::string_view password) {
-  const Bytes first = FirstBytes(path);
-  const size_t page_size = RecogniseFormat({first, {}}).page_size;
-  auto pages = std::make_unique<DiskPages>(path, page_size);
-  const size_t torn = static_cast<size_t>(std::filesystem::file_size(FilePath(path)) % page_size);
-  return {std::move(pages), torn, password};
-}
 
 JetFile JetFile::FromBytes(std::span<const uint8_t> file, std::string_view password) {
   const size_t page_size = RecogniseFormat({file, {}}).page_size;

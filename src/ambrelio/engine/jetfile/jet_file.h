@@ -15,11 +15,8 @@ namespace ambrelio::jetfile {
 
 class JetFile {
  public:
-  // Opens for reading. Raises 3024 for a missing file, 3051 when it may not be read, 3343 for a
-  // file of another format or with an unknown encryption, 3049 for a damaged one, and 3031 when
-  // `password` is not exactly the file's.
-  static JetFile Open(const std::string& path, std::string_view password);
-  // The same of a file in memory, which is copied.
+  // A file in memory, which is copied. Raises 3343 for one of another format or with an unknown
+  // encryption, 3049 for a damaged one, and 3031 when it has another password than this.
   static JetFile FromBytes(std::span<const uint8_t> file, std::string_view password);
   // The same of pages as they stand in a file; `torn_bytes` are those behind the last whole one.
   JetFile(std::unique_ptr<PageFile> pages, size_t torn_bytes, std::string_view password);

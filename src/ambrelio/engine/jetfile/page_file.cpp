@@ -1,33 +1,13 @@
 #include "ambrelio/engine/jetfile/page_file.h"
 
-#include <algorithm>
-
 #include "ambrelio/engine/jetfile/damage.h"
-#include "ambrelio/engine/jetfile/open_file.h"
 #include "ambrelio/engine/jetfile/rc4.h"
-#include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::jetfile {
 
 void RequirePage(uint32_t number, uint32_t count) {
   if (number < count) return;
   throw Damage({number, 0}, "the file has " + std::to_string(count) + " pages only");
-}
-
-DiskPages::DiskPages(const std::string& path, size_t page_size)
-    : path_(path), page_size_(page_size), file_(OpenFile(path)) {
-  const uintmax_t size = std::filesystem::file_size(FilePath(path));
-  page_count_ = static_cast<uint32_t>(std::min<uintmax_t>(size / page_size_, UINT32_MAX));
-}
-
-Page DiskPages::Read(uint32_t number) const {
-  RequirePage(number, page_count_);
-  auto bytes = std::make_shared<Bytes>(page_size_);
-  file_.clear();
-  file_.seekg(static_cast<std::streamoff>(number) * static_cast<std::streamoff>(page_size_));
-  file_.read(reinterpret_cast<char*>(bytes->data()), static_cast<std::streamsize>(page_size_));
-  if (!file_) dao::Raise(dao::DaoError::kDiskError, "DAO.Database", path_);
-  return bytes;
 }
 
 MemoryPages::MemoryPages(std::span<const uint8_t> file, size_t page_size) : page_size_(page_size) {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <string>
@@ -30,23 +29,6 @@ class PageFile {
 
 // Raises Damage unless a file of `count` pages has page `number`.
 void RequirePage(uint32_t number, uint32_t count);
-
-// A file on disk, read page by page.
-class DiskPages : public PageFile {
- public:
-  // Raises 3024 when there is no such file, 3051 when it may not be read.
-  DiskPages(const std::string& path, size_t page_size);
-
-  size_t page_size() const override { return page_size_; }
-  uint32_t page_count() const override { return page_count_; }
-  Page Read(uint32_t number) const override;
-
- private:
-  std::string path_;
-  size_t page_size_;
-  uint32_t page_count_ = 0;
-  mutable std::ifstream file_;
-};
 
 // A file held in memory.
 class MemoryPages : public PageFile {

@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "ambrelio/engine/jetfile/damage.h"
-#include "ambrelio/engine/jetfile/open_file.h"
+#include "ambrelio/engine/jetfile/first_bytes.h"
 #include "ambrelio/engine/jetfile/other_programs.h"
 #include "ambrelio/platform/file_path.h"
 

@@ -1,6 +1,7 @@
 #include "ambrelio/engine/jetfile/table_definition.h"
 
 #include <algorithm>
+#include <set>
 
 #include "ambrelio/engine/jetfile/damage.h"
 #include "ambrelio/engine/jetfile/definition_fields.h"
@@ -24,6 +25,16 @@ void RequireRoom(const FieldReader& reader, size_t count, size_t least) {
 void ReadLongValues(FieldReader& reader, TableDefinition& definition) {
   while (reader.Ahead().U16(0) != kNoMoreLongValues) {
     LongValueFields(reader, definition.long_values.emplace_back());
+  }
+}
+
+// The values of a row are told by the numbers of their columns.
+void RequireDistinctNumbers(const TableDefinition& definition) {
+  std::set<uint16_t> numbers;
+  for (const ColumnDefinition& column : definition.columns) {
+    if (numbers.insert(column.number).second) continue;
+    throw Damage({definition.page(), 0},
+                 "two columns have the number " + std::to_string(column.number));
   }
 }
 
@@ -107,6 +118,7 @@ TableDefinition ParseDefinition(const JetFile& file, const DefinitionString& str
   for (auto& name : definition.index_names) IndexNameFields(reader, name, jet4);
   for (auto& name : definition.index_names) reader.Name(name.name);
   ReadLongValues(reader, definition);
+  RequireDistinctNumbers(definition);
   return definition;
 }
 

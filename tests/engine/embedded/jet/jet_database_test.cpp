@@ -27,7 +27,7 @@ class JetDatabase : public test::EngineTest {
   // What is wrong with the file as it is on the disk.
   std::vector<std::string> Findings(const std::string& password = "") const {
     std::vector<std::string> texts;
-    for (const auto& finding : jetfile::Check(JetFile::Open(Path(), password))) {
+    for (const auto& finding : jetfile::Check(jetfile::ReadFromDisk(Path(), password))) {
       texts.push_back(jetfile::PlaceText(finding.place) + ": " + finding.text);
     }
     return texts;
@@ -58,10 +58,10 @@ class JetDatabase : public test::EngineTest {
 
 TEST_F(JetDatabase, IsMadeWhereTheNameAsksForIt) {
   Create()->Close();
-  EXPECT_EQ(jetfile::JetFile::Open(Path(), "").page_count(), 16U);
+  EXPECT_EQ(jetfile::ReadFromDisk(Path()).page_count(), 16U);
   EXPECT_THAT(Findings(), IsEmpty());
   Create("own.sqlite")->Close();
-  EXPECT_EQ(ErrorOf([&] { JetFile::Open(Path("own.sqlite"), ""); }), 3343);
+  EXPECT_EQ(ErrorOf([&] { jetfile::ReadFromDisk(Path("own.sqlite")); }), 3343);
 }
 
 TEST_F(JetDatabase, HasThePasswordItWasGiven) {
@@ -115,7 +115,7 @@ TEST_F(JetDatabase, WritesNothingThatIsRolledBack) {
   const auto database = Create();
   AddTanks(*database);
   AddTank(*database, 1);
-  const std::vector<uint16_t> commits = JetFile::Open(Path(), "").header().commits;
+  const std::vector<uint16_t> commits = jetfile::ReadFromDisk(Path()).header().commits;
   workspace().BeginTrans();
   AddTank(*database, 2);
   workspace().BeginTrans();
@@ -124,7 +124,7 @@ TEST_F(JetDatabase, WritesNothingThatIsRolledBack) {
   EXPECT_EQ(CountRows(*database), 2);
   workspace().Rollback();
   EXPECT_EQ(CountRows(*database), 1);
-  EXPECT_EQ(JetFile::Open(Path(), "").header().commits, commits);
+  EXPECT_EQ(jetfile::ReadFromDisk(Path()).header().commits, commits);
 }
 
 TEST_F(JetDatabase, CommitsOnlyTheOutermostLevel) {
@@ -393,7 +393,8 @@ TEST_F(JetRelationships, KeepAParentThatHasChildren) {
 // Every sample, through the engine.
 class JetSample : public test::EngineTest, public ::testing::WithParamInterface<jetfile::Sample> {
  protected:
-  JetSample() : file_(JetFile::Open(jetfile::SamplePath(GetParam().name), GetParam().password)) {
+  JetSample()
+      : file_(jetfile::ReadFromDisk(jetfile::SamplePath(GetParam().name), GetParam().password)) {
     engine_ = OtherEngine(NewFiles::kByName);
     std::filesystem::copy_file(jetfile::SamplePath(GetParam().name), Path());
     std::filesystem::permissions(Path(), std::filesystem::perms::owner_all);
@@ -449,7 +450,7 @@ TEST_P(JetSample, IsSoundAfterItsRowsWereWritten) {
   }
   database->Execute("create table [Nueva tabla ñ] (Id long primary key, Texto text(30))");
   database->Execute("insert into [Nueva tabla ñ] values (1, 'Peña')");
-  for (const auto& finding : jetfile::Check(JetFile::Open(Path(), GetParam().password))) {
+  for (const auto& finding : jetfile::Check(jetfile::ReadFromDisk(Path(), GetParam().password))) {
     ADD_FAILURE() << jetfile::PlaceText(finding.place) << ": " << finding.text;
   }
 }

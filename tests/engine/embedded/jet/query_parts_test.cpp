@@ -202,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(Files, QueryPartsOfSamples,
 // is the order of tables that are joined, which their text has as the joins have it. What goes to
 // another server cannot be told by its text.
 TEST_P(QueryPartsOfSamples, AreTheRowsOfTheirText) {
-  const auto file = jetfile::JetFile::Open(jetfile::SamplePath(GetParam()), "");
+  const auto file = jetfile::ReadFromDisk(jetfile::SamplePath(GetParam()), "");
   const jetfile::Catalogue catalogue = ReadCatalogue(file);
   const auto all = ReadQueryRows(file, catalogue);
   for (const auto* query : catalogue.UserObjects(jetfile::ObjectType::kQuery)) {

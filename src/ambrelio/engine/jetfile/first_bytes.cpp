@@ -1,4 +1,6 @@
-#include "ambrelio/engine/jetfile/open_file.h"
+#include "ambrelio/engine/jetfile/first_bytes.h"
+
+#include <fstream>
 
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/platform/file_in_use.h"
@@ -6,8 +8,9 @@
 
 namespace ambrelio::jetfile {
 
-std::ifstream OpenFile(const std::string& path) {
+Bytes FirstBytes(const std::string& path) {
   constexpr const char* kSource = "DAO.Workspace";
+  constexpr size_t kFirstBytes = 0x18;
   std::error_code ignored;
   const auto status = std::filesystem::status(FilePath(path), ignored);
   if (!std::filesystem::exists(status)) dao::Raise(dao::DaoError::kFileNotFound, kSource, path);
@@ -16,13 +19,7 @@ std::ifstream OpenFile(const std::string& path) {
     const bool held = IsHeldByAnother(path);
     dao::Raise(held ? dao::DaoError::kFileInUse : dao::DaoError::kAccessDenied, kSource, path);
   }
-  return file;
-}
-
-Bytes FirstBytes(const std::string& path) {
-  constexpr size_t kFirstBytes = 0x18;
   Bytes bytes(kFirstBytes);
-  std::ifstream file = OpenFile(path);
   file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   bytes.resize(static_cast<size_t>(file.gcount()));
   return bytes;
