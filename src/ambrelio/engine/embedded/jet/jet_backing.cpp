@@ -159,7 +159,7 @@ std::map<int64_t, TableCopy> JetBacking::Rebuild(const JetCatalogue& catalogue) 
     const StoredTable& stored = catalogue.stored.at(table.name);
     KeepIds(table, stored);
     InsertTable(storage_, table);
-    CreateStored(storage_, table);
+    storage_.Run(TableForm(table));
     tables.emplace(table.id, TableCopy(storage_, pages(), stored.definition));
   }
   for (QueryInfo query : catalogue.catalogue.queries) {

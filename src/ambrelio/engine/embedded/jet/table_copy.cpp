@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "ambrelio/engine/embedded/jet/stored_values.h"
+#include "ambrelio/engine/embedded/storage/table_form.h"
 #include "ambrelio/engine/jetfile/data_page.h"
 #include "ambrelio/engine/jetfile/table_reader.h"
 #include "ambrelio/engine/jetfile/usage_map.h"
@@ -81,6 +82,7 @@ void TableCopy::Load(const TableInfo& table) {
   std::vector<uint32_t> pages;
   for (const auto& [page, hash] : pages_) pages.push_back(page);
   CopyRows(table, definition, pages);
+  CreateStoredIndexes(storage_, table);
   loaded_ = true;
 }
 

@@ -23,15 +23,15 @@ using WrittenRows = std::map<int64_t, bool>;
 
 class TableCopy {
  public:
-  // The storage has the table, without rows. Both must outlive the copy. `definition` is the page
-  // of its definition in the file.
+  // The storage has the table, without rows and indexes. Both must outlive the copy. `definition`
+  // is the page of its definition in the file.
   TableCopy(Storage& storage, jetfile::JetFile& file, uint32_t definition)
       : storage_(storage), file_(file), definition_(definition) {}
 
   uint32_t definition() const { return definition_; }
   bool loaded() const { return loaded_; }
-  // Copies the rows; `table` is the table as the storage has it. Raises Damage, and 3022 or 3058
-  // for rows that break a key of their table.
+  // Copies the rows and makes the indexes; `table` is the table as the storage has it. Raises
+  // Damage, and 3022 or 3058 for rows that break a key of their table.
   void Load(const TableInfo& table);
   // The storage has lost the rows.
   void Lose() { loaded_ = false; }
