@@ -39,6 +39,10 @@ class IndexWriterTest : public testing::Test {
     writer_->Insert(entry);
     EXPECT_TRUE(entries_.insert(BytesOfEntry(entry)).second);
   }
+  void Insert(const std::vector<IndexEntry>& entries) {
+    writer_->Insert(entries);
+    for (const IndexEntry& entry : entries) entries_.insert(BytesOfEntry(entry));
+  }
   void Remove(const IndexEntry& entry) {
     writer_->Remove(entry);
     EXPECT_EQ(entries_.erase(BytesOfEntry(entry)), 1U);
@@ -108,6 +112,33 @@ TEST_F(IndexWriterTest, KnowsWhichKeysItHas) {
   }
   // What a key only starts with is no key.
   EXPECT_FALSE(writer_->Contains(Bytes{0x7F, 0, 0}));
+}
+
+TEST_F(IndexWriterTest, TakesManyEntriesAtOnce) {
+  std::mt19937 random(20'251'103);
+  for (int round = 0; round < 60; ++round) {
+    std::set<uint32_t> numbers;
+    for (uint32_t left = random() % 400; left > 0; --left) numbers.insert(random() % 1'000'000);
+    std::vector<IndexEntry> entries;
+    for (const uint32_t number : numbers) {
+      const IndexEntry entry = EntryOf(number, number % 7 == 0 ? 500 : 5 + number % 40);
+      if (!entries_.contains(BytesOfEntry(entry))) entries.push_back(entry);
+    }
+    std::shuffle(entries.begin(), entries.end(), random);
+    Insert(entries);
+    ExpectSound();
+  }
+  EXPECT_GT(levels(), 2U);
+}
+
+TEST_F(IndexWriterTest, FillsItsLeavesWithManyEntriesBehindAllOthers) {
+  std::vector<IndexEntry> entries;
+  for (uint32_t number = 0; number < 20'000; ++number) entries.push_back(EntryOf(number));
+  Insert(entries);
+  ExpectSound();
+  for (const IndexPage& leaf : links_[1]) {
+    EXPECT_TRUE(leaf.next == 0 || leaf.free_bytes < 10) << leaf.free_bytes;
+  }
 }
 
 // Ascending keys leave full leaves behind.

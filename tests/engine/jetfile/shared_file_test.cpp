@@ -13,6 +13,7 @@ namespace {
 using test::ErrorOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Optional;
 
 constexpr int kFileNotFound = 3024;
 constexpr int kReadOnly = 3027;
@@ -175,6 +176,45 @@ TEST_F(SharedFileOfOne, TellsWhenAnotherProgramHasCommitted) {
   PutFile(Path(), bytes);
   EXPECT_TRUE(shared->ChangedByOthers());
   EXPECT_EQ(shared->file().header().commits[kUser], 0x0123);
+}
+
+TEST_F(SharedFileOfOne, KnowsWhichPagesOthersHaveWritten) {
+  const auto shared = Open();
+  const auto other = Open();
+  const auto expect_pages = [&](const auto& pages) {
+    EXPECT_TRUE(shared->ChangedByOthers());
+    EXPECT_THAT(shared->PagesOfOthers(), pages);
+  };
+  CommitByte(*other, kPage, 1);
+  expect_pages(Optional(ElementsAre(0U, kPage)));
+  CommitByte(*other, kPage + 2, 2);
+  expect_pages(Optional(ElementsAre(0U, kPage, kPage + 2)));
+  shared->ForgetPagesOfOthers();
+  CommitByte(*shared, kPage, 3);
+  EXPECT_FALSE(shared->ChangedByOthers());
+  CommitByte(*other, kPage + 1, 4);
+  expect_pages(Optional(ElementsAre(0U, kPage + 1)));
+}
+
+TEST_F(SharedFileOfOne, KnowsThePagesOfOneCommitOfOursOnly) {
+  const auto shared = Open();
+  const auto other = Open();
+  const auto expect_unknown = [&] {
+    EXPECT_TRUE(shared->ChangedByOthers());
+    EXPECT_EQ(shared->PagesOfOthers(), std::nullopt);
+  };
+  CommitByte(*other, kPage, 1);
+  CommitByte(*other, kPage + 1, 2);
+  expect_unknown();
+  CommitByte(*other, kPage, 3);
+  expect_unknown();  // until they are forgotten
+  shared->ForgetPagesOfOthers();
+
+  CommitByte(*other, kPage, 4);
+  Bytes bytes = FileBytes(Path());
+  Put(bytes, kJet4.commit_table_at + 2 * 5, 0x0123, 2);
+  PutFile(Path(), bytes);
+  expect_unknown();
 }
 
 TEST_F(SharedFileOfOne, CountsItsCommitsInTheHeaderForEver) {

@@ -33,6 +33,29 @@ bool HasEntryAt(const IndexPage& leaf, size_t place, const Bytes& entry) {
   return place < leaf.entries.size() && leaf.entries[place] == entry;
 }
 
+void InsertInLeaf(IndexPage& leaf, const Bytes& entry) {
+  const size_t place = PlaceInLeaf(leaf, entry);
+  if (HasEntryAt(leaf, place, entry)) {
+    throw Damage({leaf.number, kJet4.entries_at}, "the index has an entry already");
+  }
+  leaf.entries.insert(leaf.entries.begin() + static_cast<std::ptrdiff_t>(place), entry);
+}
+
+// Of entries the first of which belongs into a leaf, inserts those that do as well, but no more
+// than fill a page, so that few pages come of it. Gives the first that is left.
+IndexItems::const_iterator InsertSome(IndexPage& leaf, std::span<const uint8_t> bound,
+                                      IndexItems::const_iterator next,
+                                      IndexItems::const_iterator end) {
+  size_t size = 0;
+  do {
+    InsertInLeaf(leaf, *next);
+    size += next->size();
+    ++next;
+  } while (next != end && size + next->size() <= kJet4.entry_space() &&
+           (bound.empty() || !Precedes(bound, *next)));
+  return next;
+}
+
 [[noreturn]] void FailCircle(uint32_t page) {
   throw Damage({page, 0}, "the pages of the index go in a circle");
 }
@@ -45,20 +68,21 @@ Bytes ChildAt(const IndexPage& node, size_t position, const Bytes& at) {
 
 }  // namespace
 
-void IndexWriter::Insert(const IndexEntry& entry) {
-  const Bytes bytes = BytesOfEntry(entry);
-  ChangeTree(bytes, [&bytes](IndexPage& leaf) {
-    const size_t place = PlaceInLeaf(leaf, bytes);
-    if (HasEntryAt(leaf, place, bytes)) {
-      throw Damage({leaf.number, kJet4.entries_at}, "the index has an entry already");
-    }
-    leaf.entries.insert(leaf.entries.begin() + static_cast<std::ptrdiff_t>(place), bytes);
-  });
+void IndexWriter::Insert(std::span<const IndexEntry> entries) {
+  IndexItems items;
+  items.reserve(entries.size());
+  for (const IndexEntry& entry : entries) items.push_back(BytesOfEntry(entry));
+  std::sort(items.begin(), items.end());
+  for (auto next = items.cbegin(); next != items.cend();) {
+    ChangeTree(*next, [&](IndexPage& leaf, std::span<const uint8_t> bound) {
+      next = InsertSome(leaf, bound, next, items.cend());
+    });
+  }
 }
 
 void IndexWriter::Remove(const IndexEntry& entry) {
   const Bytes bytes = BytesOfEntry(entry);
-  ChangeTree(bytes, [&bytes](IndexPage& leaf) {
+  ChangeTree(bytes, [&bytes](IndexPage& leaf, auto /*bound*/) {
     const size_t place = PlaceInLeaf(leaf, bytes);
     if (!HasEntryAt(leaf, place, bytes)) {
       throw Damage({leaf.number, kJet4.entries_at}, "the index lacks the entry of a row");
@@ -116,7 +140,7 @@ IndexItems IndexWriter::ChangeBelow(const Bytes& at, const Bytes& entry, const C
 IndexItems IndexWriter::ChangeLeaf(const Bytes& at, const Change& change) {
   IndexPage leaf = pages_.Take(PageOfChild(at));
   const Bytes last = leaf.entries.empty() ? Bytes() : leaf.entries.back();
-  change(leaf);
+  change(leaf, BoundOfChild(at));
   if (leaf.entries.empty()) {
     if (leaf.number != root_) {
       pages_.Free(leaf.number);

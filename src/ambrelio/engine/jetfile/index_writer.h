@@ -17,8 +17,10 @@ class IndexWriter {
   IndexWriter(JetFile& file, uint32_t table_page, const IndexDefinition& index)
       : pages_(file, table_page, index.map), root_(index.root) {}
 
-  // Raises Damage when the entry is there already.
-  void Insert(const IndexEntry& entry);
+  // Raises Damage when an entry is there already. Those that belong side by side come into their
+  // leaf at one stroke.
+  void Insert(std::span<const IndexEntry> entries);
+  void Insert(const IndexEntry& entry) { Insert({&entry, 1}); }
   // Raises Damage when the entry is not there.
   void Remove(const IndexEntry& entry);
   // Whether there is an entry of exactly this key. Raises Damage.
@@ -27,8 +29,9 @@ class IndexWriter {
   void Build(const std::vector<IndexEntry>& entries);
 
  private:
-  // Changes the entries of the leaf where an entry belongs.
-  using Change = std::function<void(IndexPage& leaf)>;
+  // Changes the entries of the leaf where an entry belongs. Behind `bound` none does; it is empty
+  // for the last leaf.
+  using Change = std::function<void(IndexPage& leaf, std::span<const uint8_t> bound)>;
 
   void ChangeTree(const Bytes& entry, const Change& change);
   IndexItems ChangeBelow(const Bytes& at, const Bytes& entry, const Change& change, int depth);

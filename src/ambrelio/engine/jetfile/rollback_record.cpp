@@ -50,13 +50,13 @@ class Passage {
     Pass(bytes);
     return bytes;
   }
-
- private:
+  // As if these bytes had been met.
   void Pass(std::span<const uint8_t> bytes) {
     check_.Add(bytes);
     place_ += static_cast<int64_t>(bytes.size());
   }
 
+ private:
   DiskFile& file_;
   int64_t place_;
   CheckValue check_;
@@ -100,10 +100,12 @@ void RollbackRecord::Write(const std::map<uint32_t, Page>& pages) {
 }
 
 std::optional<RollbackRecord::Contents> RollbackRecord::Load() const {
-  if (!Begins(file_, place_)) return std::nullopt;
   const int64_t end = file_.Size();
   Passage record(file_, place_);
-  const Bytes head = record.Read(kHeadBytes);
+  Bytes head(kHeadBytes);
+  file_.Read(place_, head);
+  std::copy(kMagic.begin(), kMagic.end(), head.begin());
+  record.Pass(head);
   Contents contents{ByteView(head, {}).U32(kCountAt), {}};
   for (uint32_t left = ByteView(head, {}).U32(kEntriesAt); left > 0; --left) {
     if (record.place() > end) return std::nullopt;
@@ -170,7 +172,7 @@ void RollbackRecord::Restore(const Contents& contents) {
 // Before the record was durable, no page was touched.
 void RollbackRecord::TakeBack() {
   if (is_durable_) {
-    const std::optional<Contents> contents = Load();
+    const std::optional<Contents> contents = Begins(file_, place_) ? Load() : std::nullopt;
     if (!contents) dao::Raise(dao::DaoError::kDiskError, "DAO.Database", file_.path());
     Restore(*contents);
     data_.Sync();
@@ -186,6 +188,14 @@ void RollbackRecord::Settle() {
     data_.Sync();
   }
   MakeVoid();
+}
+
+std::optional<std::set<uint32_t>> RollbackRecord::LastPages() const {
+  const std::optional<Contents> contents = Load();
+  if (!contents) return std::nullopt;
+  std::set<uint32_t> pages;
+  for (const Entry& entry : contents->entries) pages.insert(entry.page);
+  return pages;
 }
 
 void RollbackRecord::MakeVoid() { file_.Write(place_, Bytes(kMagic.size())); }

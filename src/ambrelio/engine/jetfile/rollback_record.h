@@ -9,6 +9,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "ambrelio/engine/jetfile/disk_file.h"
@@ -35,6 +36,8 @@ class RollbackRecord {
   // may have died before that.
   void Settle();
   void MakeVoid();
+  // The pages of the record that was written last, void or not; nothing unless it is complete.
+  std::optional<std::set<uint32_t>> LastPages() const;
 
  private:
   struct Entry {
@@ -47,6 +50,7 @@ class RollbackRecord {
     std::vector<Entry> entries;
   };
 
+  // Of a record that is valid but for its first bytes, whatever they are.
   std::optional<Contents> Load() const;
   bool IsCommitted(const Contents& contents) const;
   bool IsOfThisData(const Contents& contents) const;

@@ -15,6 +15,7 @@ using Access = SharedFile::Access;
 
 constexpr const char* kOpening = "DAO.Workspace";
 constexpr size_t kCommitTableBytes = 512;
+constexpr size_t kEntryBytes = 2;
 
 void RequireFolder(const std::string& path) {
   const std::filesystem::path folder = FilePath(path).parent_path();
@@ -114,12 +115,14 @@ void SharedFile::EnterMoment() {
       locks_->Enter();
     }
   }
-  if (pages_ != nullptr && moments_ == 0) pages_->Look();
+  if (pages_ != nullptr && moments_ == 0) pages_->BeginMoment();
   ++moments_;
 }
 
 void SharedFile::LeaveMoment() {
-  if (--moments_ == 0 && locks_) locks_->Leave();
+  if (--moments_ > 0) return;
+  if (pages_ != nullptr) pages_->EndMoment();
+  if (locks_) locks_->Leave();
 }
 
 SharedFile::Stamp SharedFile::ReadStamp() const {
@@ -139,11 +142,28 @@ bool SharedFile::ChangedByOthers() {
 }
 
 void SharedFile::TakeNotice() {
+  pages_->Look();
   file_->ForgetChanges();
   Stamp now = ReadStamp();
   if (now == seen_) return;
+  auto pages = PagesBetween(seen_, now);
+  if (!pages) {
+    pages_of_others_.reset();
+  } else if (pages_of_others_) {
+    pages_of_others_->merge(*pages);
+  }
   seen_ = std::move(now);
   changed_by_others_ = true;
+}
+
+// The record tells of the last commit, also when it is void.
+std::optional<std::set<uint32_t>> SharedFile::PagesBetween(const Stamp& before,
+                                                           const Stamp& after) const {
+  if (!record_ || after.count != before.count + 1) return std::nullopt;
+  Bytes expected = before.commit_table;
+  Put(expected, 0, NextCommit(ByteView(expected, {}).U16(0)), kEntryBytes);
+  if (after.commit_table != expected) return std::nullopt;
+  return record_->LastPages();
 }
 
 }  // namespace ambrelio::jetfile

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,6 +65,10 @@ class SharedFile {
   // Whether anyone else has committed since the last call, or the opening. The header is read anew
   // if so.
   bool ChangedByOthers();
+  // The pages that others have written, as far as ChangedByOthers has noticed, since they were
+  // forgotten last; nothing when it is not known which.
+  const std::optional<std::set<uint32_t>>& PagesOfOthers() const { return pages_of_others_; }
+  void ForgetPagesOfOthers() { pages_of_others_.emplace(); }
 
   // Takes the turn to write, and with it a moment that lasts until Unlock; there must be no changes
   // yet. Not to be called within a moment when others may do so too: each would wait for the other.
@@ -95,6 +100,7 @@ class SharedFile {
   void LeaveMoment();
   Stamp ReadStamp() const;
   void TakeNotice();
+  std::optional<std::set<uint32_t>> PagesBetween(const Stamp& before, const Stamp& after) const;
   std::map<uint32_t, Page> PagesToStore() const;
   void Overwrite(const std::map<uint32_t, Page>& pages);
   void WritePage(uint32_t number, std::span<const uint8_t> page);
@@ -115,6 +121,7 @@ class SharedFile {
   std::optional<Moment> turn_;  // the moment of the turn to write
   Stamp seen_;
   bool changed_by_others_ = false;  // since that was asked for
+  std::optional<std::set<uint32_t>> pages_of_others_{std::in_place};
 };
 
 }  // namespace ambrelio::jetfile

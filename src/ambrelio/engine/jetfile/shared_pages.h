@@ -1,5 +1,8 @@
-// The pages of a file that others may write.
+// The pages of a file that others may write, but not in a moment: those that are read in one stay
+// in memory to its end.
 #pragma once
+
+#include <unordered_map>
 
 #include "ambrelio/engine/jetfile/disk_file.h"
 #include "ambrelio/engine/jetfile/page_file.h"
@@ -13,8 +16,11 @@ class SharedPages : public PageFile {
     Look();
   }
 
-  // Takes notice of the file's present size.
+  // Takes notice of what the file is at present.
   void Look();
+  // From now on nobody else writes the pages; from now on others may.
+  void BeginMoment();
+  void EndMoment();
 
   size_t page_size() const override { return page_size_; }
   uint32_t page_count() const override { return page_count_; }
@@ -24,6 +30,8 @@ class SharedPages : public PageFile {
   const DiskFile& file_;
   size_t page_size_;
   uint32_t page_count_ = 0;
+  bool in_moment_ = false;
+  mutable std::unordered_map<uint32_t, Page> kept_;
 };
 
 }  // namespace ambrelio::jetfile

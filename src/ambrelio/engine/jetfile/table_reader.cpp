@@ -34,17 +34,25 @@ bool TableReader::Next() {
 }
 
 void TableReader::MoveTo(RowPointer row) {
-  const DataPage page = ReadTablePage(file_, definition_, row.page);
-  if (page.SlotAt(row.row).pointed_to) throw Damage(page.PlaceOfSlot(row.row), "there is no row");
-  TakeRow(page, row);
+  row_.reset();
+  body_page_ = ReadTablePage(file_, definition_, row.page);
+  if (body_page_->SlotAt(row.row).pointed_to) {
+    throw Damage(body_page_->PlaceOfSlot(row.row), "there is no row");
+  }
+  TakeRow(*body_page_, row);
 }
 
+// The page is one of the reader's own.
 void TableReader::TakeRow(const DataPage& page, RowPointer identity) {
   identity_ = identity;
-  RowBody body = FollowRow(file_, definition_, page, identity.row);
-  body_ = body.at;
-  body_page_ = std::move(body.page);
-  row_.emplace(body_page_->Row(body_.row), definition_, file_.format().jet4);
+  body_ = identity;
+  const DataPage* body_page = &page;
+  if (page.SlotAt(identity.row).moved) {
+    RowBody body = FollowRow(file_, definition_, page, identity.row);
+    body_ = body.at;
+    body_page = &body_page_.emplace(std::move(body.page));
+  }
+  row_.emplace(body_page->Row(body_.row), definition_, file_.format().jet4);
 }
 
 Variant TableReader::Value(const ColumnDefinition& column) const {

@@ -108,17 +108,13 @@ void TableWriter::RemoveKeys(const std::vector<RowChange>& changes) {
   }
 }
 
-// In their order, so that what belongs together in the tree comes together.
 void TableWriter::AddKeys(const std::vector<RowChange>& changes) {
   for (size_t i = 0; i < indexes_.size(); ++i) {
     std::vector<IndexEntry> entries;
     for (const RowChange& change : changes) {
       if (const TableKey* key = change.NewKey(i)) entries.push_back({key->bytes, change.row});
     }
-    std::sort(entries.begin(), entries.end(), [](const IndexEntry& a, const IndexEntry& b) {
-      return a.key != b.key ? a.key < b.key : a.row < b.row;
-    });
-    for (const IndexEntry& entry : entries) indexes_[i].Insert(entry);
+    indexes_[i].Insert(entries);
   }
 }
 

@@ -13,6 +13,7 @@ constexpr size_t kMarkBytes = 2;
 
 std::u16string WideUnits(ByteView bytes) {
   std::u16string units;
+  units.reserve(bytes.size() / 2);
   for (size_t at = 0; at + 2 <= bytes.size(); at += 2) {
     units += static_cast<char16_t>(bytes.U16(at));
   }
@@ -22,6 +23,7 @@ std::u16string WideUnits(ByteView bytes) {
 // Segments of one byte a character and of plain UTF-16 take turns, a zero byte between them.
 std::u16string Expand(ByteView segments) {
   std::u16string units;
+  units.reserve(segments.size());
   bool compressed = true;
   for (size_t at = 0; at < segments.size();) {
     if (segments.U8(at) == 0) {
@@ -67,6 +69,7 @@ Bytes ColumnBytes(std::string_view utf8, bool compress) {
                                   [](char16_t unit) { return unit >= 1 && unit <= 0xFF; });
   if (!compress || !narrow || units.size() <= kMarkBytes) return BytesOf(units);
   Bytes bytes;
+  bytes.reserve(kMarkBytes + units.size());
   Append(bytes, kCompressionMark, kMarkBytes);
   for (const char16_t unit : units) bytes.push_back(static_cast<uint8_t>(unit));
   return bytes;

@@ -14,11 +14,14 @@ using Layout = UsageMapLayout;
 // Is shown a page, and says whether it wants to see more.
 using Visit = std::function<bool(uint64_t page)>;
 
-bool VisitBits(ByteView bits, uint64_t first, const Visit& visit) {
-  for (size_t i = 0; i < bits.size(); ++i) {
-    const uint8_t byte = bits.U8(i);
-    for (uint32_t bit = 0; byte >> bit != 0; ++bit) {
-      if ((byte >> bit & 1) != 0 && !visit(first + 8 * i + bit)) return false;
+bool VisitBits(ByteView view, uint64_t first, const Visit& visit) {
+  const std::span<const uint8_t> bits = view.bytes();
+  const auto is_set = [](uint8_t byte) { return byte != 0; };
+  // Most bytes of most maps are zero.
+  for (auto at = bits.begin(); (at = std::find_if(at, bits.end(), is_set)) != bits.end(); ++at) {
+    const auto place = first + 8 * static_cast<uint64_t>(at - bits.begin());
+    for (uint32_t bit = 0; *at >> bit != 0; ++bit) {
+      if ((*at >> bit & 1) != 0 && !visit(place + bit)) return false;
     }
   }
   return true;

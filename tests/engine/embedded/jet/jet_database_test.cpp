@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <random>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
 #include "ambrelio/engine/jetfile/checker.h"
@@ -219,6 +220,39 @@ TEST_F(JetDatabase, ShowsWhatOthersCommit) {
   Run(*other, "delete from Tanques where Numero = 1");
   AddTank(*other, 3);
   EXPECT_THAT(RowsOf(*mine, "select * from Tanques order by Numero"), ElementsAre("2|0", "3|0"));
+  EXPECT_THAT(Findings(), IsEmpty());
+}
+
+// Rows become longer and move, pages are freed and taken again, and several commits come between
+// two looks.
+TEST_F(JetDatabase, AgreesWithAnotherWhoWritesInTurn) {
+  const auto mine = Create();
+  Run(*mine, "create table Notas (Numero long primary key, Nota text(200))");
+  const auto other_engine = OtherEngine();
+  const auto other = other_engine->DefaultWorkspace().OpenDatabase(Path(), false, false, "");
+  const std::string all = "select * from Notas order by Numero";
+  std::mt19937 random(7);
+  for (int round = 0; round < 40; ++round) {
+    dao::Database& writer = round % 2 == 0 ? *mine : *other;
+    for (auto commits = random() % 3 + 1; commits > 0; --commits) {
+      const std::string number = std::to_string(random() % 400);
+      const std::string note = "'" + std::string(1 + random() % 199, 'x') + "'";
+      switch (random() % 4) {
+        case 0:
+          Run(writer, "update Notas set Nota = " + note + " where Numero >= " + number);
+          break;
+        case 1:
+          Run(writer, "delete from Notas where Numero between " + number + " and 30 + " + number);
+          break;
+        default:
+          writer.Execute("insert into Notas values (" + number + ", " + note + ")");
+          writer.Execute("insert into Notas (Numero, Nota) select Numero + 200, Nota from Notas");
+      }
+    }
+    const std::vector<std::string> stored = StoredRows(all);
+    ASSERT_EQ(RowsOf(*mine, all), stored) << round;
+    ASSERT_EQ(RowsOf(*other, all), stored) << round;
+  }
   EXPECT_THAT(Findings(), IsEmpty());
 }
 

@@ -31,6 +31,17 @@ TEST(RowPlaces, LetANewRowKeepItsNumberWhereverItIsPut) {
   EXPECT_EQ(places.NumberOf({70, 9}), number);
 }
 
+// The storage gives the next new row the number behind the highest.
+TEST(RowPlaces, GiveNoNumberThatTheStorageHasGivenSince) {
+  RowPlaces places;
+  places.Place(places.NumberOf({50, 4}), {70, 9});
+  const int64_t given_here = places.NumberOf({50, 4});
+  places.Place(given_here + 1, {80, 1});
+  places.Place(places.NumberOf({50, 5}), {90, 2});
+  EXPECT_NE(places.NumberOf({50, 5}), given_here + 1);
+  EXPECT_EQ(places.PlaceOf(given_here + 1), (RowPointer{80, 1}));
+}
+
 TEST(RowPlaces, GiveAnotherNumberWhereTheUsualOneIsTaken) {
   RowPlaces places;
   const int64_t taken = places.NumberOf({50, 4});

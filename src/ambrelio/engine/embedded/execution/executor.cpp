@@ -118,6 +118,8 @@ class Executor::Impl {
     const Preparation preparation = std::holds_alternative<sql::Query>(statement)
                                         ? PrepareQuery(statement, ground, /*as_snapshot=*/false)
                                         : PrepareWrite(statement, ground, /*strict=*/false);
+    // Tables have their indexes once their rows are there.
+    storage_.Need({.read = preparation.prepared->touched.read, .written = {}});
     return ExplanationOf(preparation, ground, std::move(shape));
   }
 

@@ -112,16 +112,27 @@ void JetBacking::Refresh() {
   if (!stale_) return;
   storage_.SettleReads();
   const auto moment = file_->Read();
+  StateOfFile();  // once more, as what others have committed by now is here
   const JetCatalogue catalogue = ReadJetCatalogue(pages());
   if (DigestOf(catalogue) != digest_) {
     Take(catalogue);
   } else {
+    // What fails half-way is begun anew, with all that there is.
+    const std::string digest = std::exchange(digest_, {});
     std::vector<uint16_t> commits = CommitsOfOthers(pages());
     Copying copying(*this);
-    for (auto& [id, table] : tables_) table.Refresh(*known_.FindTable(id), commits != commits_);
+    for (auto& [id, table] : tables_) {
+      if (commits != commits_) {
+        table.CopyAnew(*known_.FindTable(id));
+      } else {
+        table.Refresh(*known_.FindTable(id), file_->PagesOfOthers());
+      }
+    }
     copying.Complete();
     commits_ = std::move(commits);
+    digest_ = digest;
   }
+  file_->ForgetPagesOfOthers();
   stale_ = false;
 }
 
@@ -148,7 +159,7 @@ std::map<int64_t, TableCopy> JetBacking::Rebuild(const JetCatalogue& catalogue) 
     const StoredTable& stored = catalogue.stored.at(table.name);
     KeepIds(table, stored);
     InsertTable(storage_, table);
-    CreateStored(storage_, table);
+    storage_.Run(TableForm(table));
     tables.emplace(table.id, TableCopy(storage_, pages(), stored.definition));
   }
   for (QueryInfo query : catalogue.catalogue.queries) {

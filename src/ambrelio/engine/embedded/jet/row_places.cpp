@@ -1,5 +1,7 @@
 #include "ambrelio/engine/embedded/jet/row_places.h"
 
+#include <algorithm>
+
 namespace ambrelio::embedded {
 namespace {
 
@@ -27,6 +29,8 @@ RowPointer RowPlaces::PlaceOf(int64_t number) const {
 
 void RowPlaces::Place(int64_t number, RowPointer place) {
   if (number == UsualNumber(place)) return;
+  // The storage counts on from the highest number that there is.
+  next_free_ = std::max(next_free_, number + 1);
   places_[number] = place;
   numbers_[place] = number;
 }

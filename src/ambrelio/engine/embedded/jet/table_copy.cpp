@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "ambrelio/engine/embedded/jet/stored_values.h"
+#include "ambrelio/engine/embedded/storage/table_form.h"
 #include "ambrelio/engine/jetfile/data_page.h"
 #include "ambrelio/engine/jetfile/table_reader.h"
 #include "ambrelio/engine/jetfile/usage_map.h"
@@ -81,6 +82,7 @@ void TableCopy::Load(const TableInfo& table) {
   std::vector<uint32_t> pages;
   for (const auto& [page, hash] : pages_) pages.push_back(page);
   CopyRows(table, definition, pages);
+  CreateStoredIndexes(storage_, table);
   loaded_ = true;
 }
 
@@ -115,11 +117,13 @@ void TableCopy::CopyRows(const TableInfo& table, const TableDefinition& definiti
   }
 }
 
-void TableCopy::RemoveRows(const TableInfo& table, const std::vector<uint32_t>& pages) {
+std::vector<int64_t> TableCopy::RemoveRows(const TableInfo& table,
+                                           const std::set<uint32_t>& pages) {
   const std::string row(RowIdName(table));
   const std::string from = " from " + QuoteName(table.name) + " where " + row;
   StorageStatement find(storage_.raw(), "select " + row + from + " between ?1 and ?2");
   StorageStatement remove(storage_.raw(), "delete" + from + " = ?1");
+  std::vector<int64_t> removed;
   for (const uint32_t page : pages) {
     std::vector<int64_t> numbers = places_.OthersOn(page);
     find.Bind(1, RowPlaces::FirstNumberOn(page));
@@ -133,27 +137,54 @@ void TableCopy::RemoveRows(const TableInfo& table, const std::vector<uint32_t>& 
       remove.Step();
       remove.Reset();
     }
+    removed.insert(removed.end(), numbers.begin(), numbers.end());
   }
+  return removed;
 }
 
-void TableCopy::Refresh(const TableInfo& table, bool all) {
+void TableCopy::Refresh(const TableInfo& table, const std::optional<std::set<uint32_t>>& written) {
   if (!loaded_) return;
   const TableDefinition definition = ReadDefinition(file_, definition_);
-  const std::map<uint32_t, Hash> before = std::move(pages_);
-  pages_ = HashPages(definition);
+  std::set<uint32_t> pages = written ? *written : AllPages(definition);
+  std::erase_if(pages, [this](uint32_t number) {
+    return !Rehash(number, number < file_.page_count() ? file_.Read(number) : Page());
+  });
   // The place of a row that moved is on one page, and what it holds on another.
-  all = all || (has_moved_rows_ && pages_ != before);
-  std::vector<uint32_t> changed;
-  for (const auto& [page, hash] : pages_) {
-    const auto old = before.find(page);
-    if (all || old == before.end() || old->second != hash) changed.push_back(page);
+  if (has_moved_rows_ && !pages.empty()) pages.merge(AllPages(definition));
+  Replace(table, definition, pages);
+}
+
+void TableCopy::CopyAnew(const TableInfo& table) {
+  if (!loaded_) return;
+  const TableDefinition definition = ReadDefinition(file_, definition_);
+  const std::set<uint32_t> pages = AllPages(definition);
+  pages_ = HashPages(definition);
+  Replace(table, definition, pages);
+}
+
+std::set<uint32_t> TableCopy::AllPages(const TableDefinition& definition) const {
+  const std::vector<uint32_t> owned = ReadUsageMap(file_, definition.owned_map).pages;
+  std::set<uint32_t> pages(owned.begin(), owned.end());
+  for (const auto& [page, hash] : pages_) pages.insert(page);
+  return pages;
+}
+
+void TableCopy::Replace(const TableInfo& table, const TableDefinition& definition,
+                        const std::set<uint32_t>& pages) {
+  const std::vector<int64_t> removed = RemoveRows(table, pages);
+  std::vector<uint32_t> present;
+  for (const uint32_t page : pages) {
+    if (pages_.contains(page)) present.push_back(page);
   }
-  std::vector<uint32_t> stale = changed;
-  for (const auto& [page, hash] : before) {
-    if (!pages_.contains(page)) stale.push_back(page);
+  CopyRows(table, definition, present);
+  // A row that is there again has kept its number. That of one that is gone may become another's.
+  StorageStatement find(storage_.raw(), "select 1 from " + QuoteName(table.name) + " where " +
+                                            std::string(RowIdName(table)) + " = ?1");
+  for (const int64_t number : removed) {
+    find.Bind(1, number);
+    if (!find.Step()) places_.Remove(number);
+    find.Reset();
   }
-  RemoveRows(table, stale);
-  CopyRows(table, definition, changed);
 }
 
 void TableCopy::CheckWritable() {
@@ -232,14 +263,21 @@ void TableCopy::Saved(const SavedRows& rows, const std::map<uint32_t, Page>& cha
     places_.Place(rows.inserted[i], rows.places[i]);
   }
   known_writable_ = false;  // the definition may be another one
-  for (const auto& [number, page] : changed_pages) {
-    if (IsDataPageOf(page, definition_)) {
-      pages_[number] = HashOf(page);
-      has_moved_rows_ = has_moved_rows_ || HasMovedRows(DataPage(page, number, file_.format()));
-    } else {
-      pages_.erase(number);
-    }
+  for (const auto& [number, page] : changed_pages) Rehash(number, page);
+}
+
+bool TableCopy::Rehash(uint32_t number, const Page& page) {
+  const auto known = pages_.find(number);
+  if (page == nullptr || !IsDataPageOf(page, definition_)) {
+    if (known == pages_.end()) return false;
+    pages_.erase(known);
+    return true;
   }
+  has_moved_rows_ = has_moved_rows_ || HasMovedRows(DataPage(page, number, file_.format()));
+  const Hash hash = HashOf(page);
+  if (known != pages_.end() && known->second == hash) return false;
+  pages_[number] = hash;
+  return true;
 }
 
 }  // namespace ambrelio::embedded

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,21 +23,24 @@ using WrittenRows = std::map<int64_t, bool>;
 
 class TableCopy {
  public:
-  // The storage has the table, without rows. Both must outlive the copy. `definition` is the page
-  // of its definition in the file.
+  // The storage has the table, without rows and indexes. Both must outlive the copy. `definition`
+  // is the page of its definition in the file.
   TableCopy(Storage& storage, jetfile::JetFile& file, uint32_t definition)
       : storage_(storage), file_(file), definition_(definition) {}
 
   uint32_t definition() const { return definition_; }
   bool loaded() const { return loaded_; }
-  // Copies the rows; `table` is the table as the storage has it. Raises Damage, and 3022 or 3058
-  // for rows that break a key of their table.
+  // Copies the rows and makes the indexes; `table` is the table as the storage has it. Raises
+  // Damage, and 3022 or 3058 for rows that break a key of their table.
   void Load(const TableInfo& table);
   // The storage has lost the rows.
   void Lose() { loaded_ = false; }
-  // Copies what others have changed in the file: rows on pages that are not what they were, or all
-  // of them. No row of the table may have been written in the storage since.
-  void Refresh(const TableInfo& table, bool all);
+  // Copies what others have changed in the file: the rows on pages that are not what they were,
+  // which are some of those `written`, when these are known. No row of the table may have been
+  // written in the storage since.
+  void Refresh(const TableInfo& table, const std::optional<std::set<uint32_t>>& written);
+  // The same of all rows, where the pages do not tell what changed.
+  void CopyAnew(const TableInfo& table);
 
   // Raises an error when the file's table cannot be written.
   void CheckWritable();
@@ -58,7 +63,16 @@ class TableCopy {
   std::map<uint32_t, Hash> HashPages(const jetfile::TableDefinition& definition);
   void CopyRows(const TableInfo& table, const jetfile::TableDefinition& definition,
                 const std::vector<uint32_t>& pages);
-  void RemoveRows(const TableInfo& table, const std::vector<uint32_t>& pages);
+  // Gives the numbers that the rows had.
+  std::vector<int64_t> RemoveRows(const TableInfo& table, const std::set<uint32_t>& pages);
+  // Those of the table's rows, now and as they were copied.
+  std::set<uint32_t> AllPages(const jetfile::TableDefinition& definition) const;
+  // Makes the rows on these pages what they are in the file.
+  void Replace(const TableInfo& table, const jetfile::TableDefinition& definition,
+               const std::set<uint32_t>& pages);
+  // Takes the hash of a page, if it is one of the table's rows; gives whether it is not what it
+  // was.
+  bool Rehash(uint32_t number, const jetfile::Page& page);
   // What is to become of the file's rows; `saved` gets the numbers of those that come and go.
   jetfile::TableChanges Changes(const TableInfo& table, const jetfile::TableDefinition& definition,
                                 const WrittenRows& written, SavedRows& saved);

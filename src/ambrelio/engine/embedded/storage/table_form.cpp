@@ -109,7 +109,7 @@ void CopyIntoNew(Storage& storage, const TableInfo& before, const TableInfo& aft
   storage.Run("INSERT INTO " + work + "(" + to + ") SELECT " + from + " FROM " + old_name);
   storage.Run("DROP TABLE " + old_name);
   storage.Run("ALTER TABLE " + work + " RENAME TO " + QuoteName(after.name));
-  for (const IndexInfo& index : after.indexes) storage.Run(IndexForm(after, index));
+  CreateStoredIndexes(storage, after);
 }
 
 }  // namespace
@@ -125,6 +125,10 @@ std::string TableForm(const TableInfo& table, const std::string& name) {
 
 void CreateStored(Storage& storage, const TableInfo& table) {
   storage.Run(TableForm(table));
+  CreateStoredIndexes(storage, table);
+}
+
+void CreateStoredIndexes(Storage& storage, const TableInfo& table) {
   for (const IndexInfo& index : table.indexes) storage.Run(IndexForm(table, index));
 }
 
