@@ -3,8 +3,8 @@
 '   cscript //nologo jornada.vbs C:\AlmazaraDePrueba
 '
 ' Escribe en la base de datos: pruébelo con una almazara de prueba recién creada. Las pesadas son del
-' programa de la almazara; aquí las guarda este guion, por DAO si la base es de Access, y si es el
-' fichero propio de Ambrelio con el programa ambrelio.exe.
+' programa de la almazara; aquí las guarda este guion, por DAO si la base es de Access y DAO está en
+' la máquina, y si no con el programa ambrelio.exe.
 Option Explicit
 
 Dim traza, base, tolva, deposito, codigo

@@ -1,4 +1,5 @@
 // Calls by IDispatch, as scripts make them.
+#include "support/environment.h"
 #include "win32/client.h"
 
 namespace ambrelio {
@@ -14,6 +15,11 @@ using test::ReferTo;
 using test::ServerTest;
 
 using LateBoundServer = ServerTest;
+
+class UnopenedServer : public ServerTest {
+ protected:
+  void SetUp() override {}
+};
 
 VARIANT Integer(short number) {
   VARIANT value;
@@ -287,6 +293,19 @@ TEST_F(LateBoundServer, PassesTheNumbersOfTheEngineThrough) {
   EXPECT_EQ(outcome.code, static_cast<HRESULT>(0x800A0D5C));  // 3420
   EXPECT_FALSE(outcome.source.empty());
   EXPECT_FALSE(outcome.description.empty());
+}
+
+// The database is not simply taken for one that does not open.
+TEST_F(UnopenedServer, RefusesAnEngineThatIsNone) {
+  test::ScopedEnvironment environment;
+  environment.Set("AMBRELIO_JET", "jet");
+  try {
+    root.Call("Constructor", {mill.path(), false});
+    FAIL() << "no error";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.number(), 5);
+    EXPECT_THAT(error.description(), ::testing::HasSubstr("AMBRELIO_JET is dao or own, not jet"));
+  }
 }
 
 TEST_F(LateBoundServer, WorksOnAfterAnError) {

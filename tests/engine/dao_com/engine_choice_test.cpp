@@ -1,6 +1,7 @@
 // The engine that a session uses, where there is DAO and where there is none.
 #include <fstream>
 
+#include "ambrelio/engine/embedded/storage/storage_file.h"
 #include "ambrelio/engine/engine.h"
 #include "engine/dao_com/dao_com_test.h"
 #include "support/environment.h"
@@ -10,6 +11,7 @@ namespace {
 
 using test::ErrorOf;
 using ::testing::Contains;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
@@ -18,8 +20,10 @@ TEST(EngineWithoutDao, OpensFilesOfBothKindsItself) {
   const auto engine = engine::Create();
   dao::Workspace& workspace = engine->DefaultWorkspace();
   for (const char* name : {"jet.mdb", "own.sqlite"}) {
-    workspace.CreateDatabase(folder.File(name), "")->Close();
-    EXPECT_EQ(ErrorOf([&] { workspace.OpenDatabase(folder.File(name), false, false, ""); }), 0);
+    const std::string path = folder.File(name);
+    workspace.CreateDatabase(path, "")->Close();
+    EXPECT_EQ(embedded::IsJetFile(path), name == std::string("jet.mdb"));
+    EXPECT_EQ(ErrorOf([&] { workspace.OpenDatabase(path, false, false, ""); }), 0);
   }
 }
 
@@ -36,7 +40,13 @@ TEST(EngineWithoutDao, CanBeToldToUseItAllTheSame) {
 TEST(EngineChoice, RefusesWhatIsNoChoice) {
   test::ScopedEnvironment environment;
   environment.Set("AMBRELIO_JET", "jet");
-  EXPECT_EQ(ErrorOf([] { engine::Create(); }), 5);
+  try {
+    engine::Create();
+    FAIL() << "no error";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.number(), 5);
+    EXPECT_THAT(error.description(), HasSubstr("AMBRELIO_JET is dao or own, not jet"));
+  }
 }
 
 class EngineWithDao : public DaoComTest {
@@ -65,14 +75,19 @@ TEST_F(EngineWithDao, KeepsItsOwnFilesAndThoseItMakes) {
               IsEmpty());
 }
 
-TEST_F(EngineWithDao, CanBeToldToLeaveItAlone) {
+TEST_F(EngineWithDao, CanBeToldToUseItOrToLeaveItAlone) {
+  AddNames(*Open());
   test::ScopedEnvironment environment;
-  environment.Set("AMBRELIO_JET", "own");
-  const auto own = engine::Create();
-  own->DefaultWorkspace().CreateDatabase(Path("new.mdb"), "")->Close();
-  EXPECT_THAT(
-      Asked([&] { own->DefaultWorkspace().OpenDatabase(Path("new.mdb"), false, false, ""); }),
-      IsEmpty());
+  const auto asked_when_told = [&](const char* choice) {
+    environment.Set("AMBRELIO_JET", choice);
+    chosen_ = engine::Create();
+    return Asked([&] {
+      const auto database = OpenChosen("oliva.mdb");
+      EXPECT_EQ(database->OpenRecordset("Nombres")->Value("Nombre"), Variant("uno")) << choice;
+    });
+  };
+  EXPECT_THAT(asked_when_told("dao"), Contains(StartsWith("DAO.Workspace.OpenDatabase")));
+  EXPECT_THAT(asked_when_told("own"), IsEmpty());
 }
 
 TEST_F(EngineWithDao, RefusesWhatIsMissingOrNeitherItself) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "ambrelio/engine/dao_com/dao_engine.h"
+#include "ambrelio/engine/engine.h"
 #include "support/environment.h"
 #include "support/error_of.h"
 #include "support/second_process.h"
@@ -62,6 +63,15 @@ TEST(StandInAsAScriptUsesIt, WantsAllArgumentsBeforeAPassword) {
   };
   EXPECT_EQ(open(Variant()), 3031);
   EXPECT_EQ(open(false), 0);
+}
+
+TEST(StandInAsAScriptUsesIt, ReadsNoFilesButThoseOfJet) {
+  const test::StandIn stand_in;
+  const test::TempFolder folder;
+  const std::string path = folder.File("oliva.sqlite");
+  engine::Create()->DefaultWorkspace().CreateDatabase(path, "")->Close();
+  const com::LateBound engine(com::CreateObject("DAO.DBEngine.36"));
+  EXPECT_EQ(test::ErrorOf([&] { engine.Call("OpenDatabase", {path}); }), 3343);
 }
 
 }  // namespace

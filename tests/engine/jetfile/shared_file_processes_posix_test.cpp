@@ -1,4 +1,5 @@
-// One file under the hands of several processes, and of one that dies at any point of a commit.
+// One file under the hands of a process that dies at any point of a commit; and what its folder has
+// to do with it.
 #include <csignal>
 
 #include "engine/jetfile/shared_file_fixture.h"
@@ -15,79 +16,12 @@ using testing::ElementsAre;
 
 constexpr std::chrono::milliseconds kAsLongAsItTakes = std::chrono::minutes(1);
 
-class SharedFileProcesses : public SharedFileTest {
+class SharedFileOnPosix : public SharedFileTest {
  protected:
-  SharedFileProcesses() { PutFile(Path(), SampleBytes("adox_jet4")); }
+  SharedFileOnPosix() { PutFile(Path(), SampleBytes("adox_jet4")); }
 };
 
-// Two pages that every commit changes together.
-constexpr uint32_t kFirst = 5;
-constexpr uint32_t kSecond = 9;
-
-uint32_t Counter(SharedFile& shared, uint32_t page) {
-  return ViewOf(shared.file().Read(page), page).U32(0);
-}
-
-// Counts up, and looks in between whether the pages agree. Throws when they do not.
-void CountUp(const std::string& path, int times) {
-  const auto shared = SharedFile::Open(path, "", SharedFile::Access::kShared, kAsLongAsItTakes);
-  for (; times > 0; --times) {
-    {
-      const SharedFile::Moment moment = shared->Read();
-      shared->ChangedByOthers();
-      if (Counter(*shared, kFirst) != Counter(*shared, kSecond)) throw std::runtime_error("torn");
-    }
-    shared->Lock();
-    Bytes page = *shared->file().Read(kFirst);
-    Put(page, 0, Counter(*shared, kFirst) + 1U, 4);
-    shared->file().Write(kFirst, page);
-    shared->file().Write(kSecond, page);
-    shared->file().Write(shared->file().page_count(), page);
-    shared->Commit();
-    shared->Unlock();
-  }
-}
-
-TEST_F(SharedFileProcesses, TakeTheirTurns) {
-  constexpr int kTimes = 15;
-  constexpr uint32_t kProcesses = 4;
-  Bytes bytes = FileBytes(Path());
-  for (const uint32_t page : {kFirst, kSecond}) Put(bytes, page * kJet4.page_size, 0, 4);
-  PutFile(Path(), bytes);
-  const auto work = [&](SecondProcess&) { CountUp(Path(), kTimes); };
-  {
-    SecondProcess second(folder_, work);
-    SecondProcess third(folder_, work);
-    SecondProcess fourth(folder_, work);
-    CountUp(Path(), kTimes);
-    EXPECT_TRUE(second.EndedWell());
-    EXPECT_TRUE(third.EndedWell());
-    EXPECT_TRUE(fourth.EndedWell());
-  }
-  const auto shared = Open();
-  EXPECT_EQ(Counter(*shared, kFirst), kProcesses * kTimes);
-  EXPECT_EQ(Counter(*shared, kSecond), kProcesses * kTimes);
-  EXPECT_EQ(shared->file().page_count(), bytes.size() / kJet4.page_size + kProcesses * kTimes);
-}
-
-TEST_F(SharedFileProcesses, LeaveTheirTurnWhenTheyDie) {
-  SecondProcess child(folder_, [&](SecondProcess& parent) {
-    const auto shared = Open();
-    shared->Lock();
-    MakeChanges(shared->file(), 1);
-    parent.Signal();
-    parent.Await();
-  });
-  ASSERT_TRUE(child.Await());
-  const Bytes before = FileBytes(Path());
-  const auto shared = Open();
-  EXPECT_NE(ErrorOf([&] { shared->Lock(); }), 0);
-  child.Kill();
-  EXPECT_EQ(ErrorOf([&] { shared->Lock(); }), 0);
-  EXPECT_EQ(FileBytes(Path()), before);
-}
-
-TEST_F(SharedFileProcesses, OfOtherUsersMayOpenWhatOneHasMade) {
+TEST_F(SharedFileOnPosix, OfOtherUsersMayOpenWhatOneHasMade) {
   using std::filesystem::perms;
   constexpr perms kEverybody = perms::owner_read | perms::owner_write | perms::group_read |
                                perms::group_write | perms::others_read | perms::others_write;
@@ -99,7 +33,7 @@ TEST_F(SharedFileProcesses, OfOtherUsersMayOpenWhatOneHasMade) {
   }
 }
 
-TEST_F(SharedFileProcesses, DoNotMeetInAFileThatTheLastOneTakesAway) {
+TEST_F(SharedFileOnPosix, DoNotMeetInAFileThatTheLastOneTakesAway) {
   const std::string presence = Path() + "-lock";
   bool taken_away = false;
   const test::WatchedFiles files([&](const test::FileRequest& request) {
@@ -113,7 +47,7 @@ TEST_F(SharedFileProcesses, DoNotMeetInAFileThatTheLastOneTakesAway) {
   EXPECT_EQ(ErrorOf([&] { Open(Access::kExclusive); }), 3045);
 }
 
-TEST_F(SharedFileProcesses, MeetInOneFileThroughALink) {
+TEST_F(SharedFileOnPosix, MeetInOneFileThroughALink) {
   const std::string link = folder_.File("link.mdb");
   std::filesystem::create_symlink("mill.mdb", link);
   const auto alone = Open(Access::kExclusive);
@@ -149,7 +83,7 @@ class Dying {
   SecondProcess process_;
 };
 
-TEST_F(SharedFileProcesses, ThatDieInACommitLeaveItToThoseWhoLive) {
+TEST_F(SharedFileOnPosix, ThatDieInACommitLeaveItToThoseWhoLive) {
   constexpr uint32_t kCommit = 4;
   const std::vector<Bytes> states = StatesOf(FileBytes(Path()), kCommit);
   bool came_through = false;
@@ -174,7 +108,7 @@ TEST_F(SharedFileProcesses, ThatDieInACommitLeaveItToThoseWhoLive) {
   EXPECT_THAT(FilesInFolder(), ElementsAre("mill.mdb"));
 }
 
-TEST_F(SharedFileProcesses, ThatDieInACommitLeaveItToTheNext) {
+TEST_F(SharedFileOnPosix, ThatDieInACommitLeaveItToTheNext) {
   constexpr uint32_t kCommit = 4;
   const std::vector<Bytes> states = StatesOf(FileBytes(Path()), kCommit);
   bool came_through = false;

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -68,6 +69,13 @@ class AutomationClass {
     return std::move(*this);
   }
 
+  // A collection, which For Each walks over; `elements` are those of the moment.
+  using List = std::function<std::vector<Variant>(Target&)>;
+  AutomationClass Collects(List elements) && {
+    elements_ = std::move(elements);
+    return std::move(*this);
+  }
+
   // An object of this class, which must outlive it, for `target`.
   com::ComPtr<IDispatch> Wrap(TargetPtr target) const {
     return com::ComPtr<IDispatch>::Adopt(new Instance(*this, std::move(target)));
@@ -92,12 +100,17 @@ class AutomationClass {
       const Actions& actions = the_class.actions_[member];
       return (put ? actions.put : actions.call)(target, arguments);
     }
+    std::optional<std::vector<Variant>> Elements() override {
+      if (!the_class.elements_) return std::nullopt;
+      return the_class.elements_(*target);
+    }
     const AutomationClass& the_class;
     const TargetPtr target;
   };
 
   ClassNames names_;
   std::vector<Actions> actions_;  // beside names_.members
+  List elements_;
 };
 
 }  // namespace ambrelio::stand_in

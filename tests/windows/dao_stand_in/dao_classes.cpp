@@ -1,15 +1,18 @@
 #include "dao_classes.h"
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "ambrelio/dao/database.h"
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/embedded_engine.h"
+#include "ambrelio/engine/embedded/storage/storage_file.h"
+#include "ambrelio/platform/file_path.h"
 #include "automation_class.h"
-#include "stand_in_file.h"
 
 namespace ambrelio::stand_in {
 namespace {
@@ -51,6 +54,13 @@ Variant ItemOf(const dao::Collection<T>& items, const Variant& key) {
   return Result(Wrap(key.is_text() ? items.Item(key.as<std::string>()) : items.Item(ToLong(key))));
 }
 
+template <class T>
+std::vector<Variant> ItemsOf(const dao::Collection<T>& items) {
+  std::vector<Variant> list;
+  for (int i = 0; i < items.Count(); ++i) list.push_back(Result(Wrap(items.Item(i))));
+  return list;
+}
+
 // A collection of `owner`, who lives as long as somebody holds the collection.
 template <class T, class Owner>
 Variant Part(const char* name, const std::shared_ptr<Owner>& owner, dao::Collection<T>& items) {
@@ -77,7 +87,8 @@ Variant Part(const char* name, const std::shared_ptr<Owner>& owner, dao::Collect
                     from->Delete(ToText(arguments[0]));
                     return Variant();
                   })
-          .Method("Refresh", &Items::Refresh);
+          .Method("Refresh", &Items::Refresh)
+          .Collects([](Items& of) { return ItemsOf(of); });
   return Result(kClass.Wrap(std::shared_ptr<Items>(owner, &items)));
 }
 
@@ -147,7 +158,7 @@ struct OpenDatabase {
     if (database == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.Database");
     return *database;
   }
-  // As the client named it, not the file that holds the data.
+  // As the client named it.
   std::string Name() const { return path; }
   int32_t RecordsAffected() const { return Data().RecordsAffected(); }
   void Close() {
@@ -226,18 +237,27 @@ ComPtr<IDispatch> Wrap(std::shared_ptr<OpenDatabase> database) {
 
 // ---- workspaces and the engine
 
+// The engine has files of its own too, which DAO does not know.
+void RefuseFilesOfOthers(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::exists(FilePath(path), ignored) && !embedded::IsJetFile(path)) {
+    dao::Raise(DaoError::kUnrecognisedFormat, "DAO.Workspace", path);
+  }
+}
+
 Variant Open(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& arguments) {
   // A password is for nothing when the arguments before it are left out.
   if (arguments.Has(3) && !(arguments.Has(1) && arguments.Has(2))) {
     dao::Raise(DaoError::kWrongPassword, "DAO.Workspace");
   }
   const std::string path = ToText(arguments[0]);
+  RefuseFilesOfOthers(path);
   const std::string connect = ToText(arguments[3]);
   const std::string key = path + (connect == ";pwd=" ? "" : connect);
   std::shared_ptr<dao::Database> database = TheOpenFiles()[key].lock();
   if (database == nullptr) {
-    database = workspace->OpenDatabase(DataOf(path), ToBoolean(arguments[1]),
-                                       ToBoolean(arguments[2]), connect);
+    database =
+        workspace->OpenDatabase(path, ToBoolean(arguments[1]), ToBoolean(arguments[2]), connect);
     TheOpenFiles()[key] = database;
   }
   return Result(Wrap(std::make_shared<OpenDatabase>(OpenDatabase{std::move(database), path, key})));
@@ -245,8 +265,7 @@ Variant Open(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& 
 
 Variant Create(const std::shared_ptr<dao::Workspace>& workspace, const Arguments& arguments) {
   const std::string path = ToText(arguments[0]);
-  auto database = workspace->CreateDatabase(DataOfNew(path), ToText(arguments[1]));
-  WriteHeader(path);
+  auto database = workspace->CreateDatabase(path, ToText(arguments[1]));
   return Result(Wrap(std::make_shared<OpenDatabase>(OpenDatabase{std::move(database), path})));
 }
 
@@ -282,13 +301,15 @@ struct Workspaces {
 };
 
 Variant WorkspacesOf(const std::shared_ptr<dao::DBEngine>& engine, const Arguments&) {
-  static const auto kClass = AutomationClass<Workspaces>("DAO.Workspaces")
-                                 .Property("Count", &Workspaces::Count)
-                                 .Method("Item", 1, 1,
-                                         [](const auto& of, const Arguments& arguments) {
-                                           return Result(Wrap(of->Item(arguments[0])));
-                                         })
-                                 .AsDefault();
+  static const auto kClass =
+      AutomationClass<Workspaces>("DAO.Workspaces")
+          .Property("Count", &Workspaces::Count)
+          .Method("Item", 1, 1,
+                  [](const auto& of, const Arguments& arguments) {
+                    return Result(Wrap(of->Item(arguments[0])));
+                  })
+          .AsDefault()
+          .Collects([](Workspaces& of) { return std::vector{Result(Wrap(of.Item(int32_t{0})))}; });
   return Result(kClass.Wrap(std::make_shared<Workspaces>(Workspaces{engine})));
 }
 

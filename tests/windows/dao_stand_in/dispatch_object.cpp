@@ -8,6 +8,7 @@
 #include "ambrelio/value/ascii.h"
 #include "ambrelio/value/automation_error.h"
 #include "control.h"
+#include "enumeration.h"
 
 namespace ambrelio::stand_in {
 namespace {
@@ -112,6 +113,7 @@ HRESULT DispatchObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* 
     if (!names_.default_member) return DISP_E_MEMBERNOTFOUND;
     return Call(*names_.default_member, flags, *parameters, result);
   }
+  if (id == DISPID_NEWENUM) return Walk(result);
   if (id < 1 || static_cast<size_t>(id) > names_.members.size()) return DISP_E_MEMBERNOTFOUND;
   return Call(static_cast<size_t>(id) - 1, flags, *parameters, result);
 } catch (const AutomationError& error) {
@@ -145,6 +147,16 @@ HRESULT DispatchObject::Call(size_t place, WORD flags, const DISPPARAMS& paramet
     return object->Call(*object->names_.default_member, flags, parameters, result);
   }
   if (result != nullptr) *result = com::ToCom(value).Release();
+  return S_OK;
+}
+
+HRESULT DispatchObject::Walk(VARIANT* result) {
+  std::optional<std::vector<Variant>> elements = Elements();
+  if (!elements) return DISP_E_MEMBERNOTFOUND;
+  Control::Instance().Meet(names_.name, "_NewEnum", false, Arguments({}));
+  if (result == nullptr) return E_POINTER;
+  V_VT(result) = VT_UNKNOWN;
+  V_UNKNOWN(result) = new Enumeration(*std::move(elements));
   return S_OK;
 }
 

@@ -53,9 +53,12 @@ class DispatchObject : public IDispatch {
  protected:
   // Carries out the member of that place.
   virtual Variant Perform(size_t member, bool put, const Arguments& arguments) = 0;
+  // What For Each walks over, where it does.
+  virtual std::optional<std::vector<Variant>> Elements() = 0;
 
  private:
   HRESULT Call(size_t place, WORD flags, const DISPPARAMS& parameters, VARIANT* result);
+  HRESULT Walk(VARIANT* result);
   bool IsControl() const;
 
   const ClassNames& names_;

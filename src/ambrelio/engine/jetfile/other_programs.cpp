@@ -25,7 +25,7 @@ std::string NameAt(const std::string& slots, size_t at) {
 }
 
 // " by 'Admin' on the computer 'MILL'", or as much of it as the slot says.
-std::string UserText(const std::string& slots, uint64_t slot) {
+std::string UserText(const std::string& slots, size_t slot) {
   const std::string computer = NameAt(slots, slot * kSlotBytes);
   const std::string user = NameAt(slots, slot * kSlotBytes + kNameBytes);
   return (user.empty() ? "" : " by '" + user + "'") +
@@ -39,9 +39,10 @@ void RefuseWhileOthersHaveIt(const std::string& path) {
   const std::optional<uint64_t> locked = LockedByte(users, kFirstUserLock, kUsers);
   if (!locked) return;
   const std::string slots = ReadWholeFile(users).value_or("");
-  Refuse(dao::DaoError::kFileInUse, "The file '" + path + "' is already in use" +
-                                        UserText(slots, *locked - kFirstUserLock) +
-                                        ", with another program that would not see the change.");
+  Refuse(dao::DaoError::kFileInUse,
+         "The file '" + path + "' is already in use" +
+             UserText(slots, static_cast<size_t>(*locked - kFirstUserLock)) +
+             ", with another program that would not see the change.");
 }
 
 void RefuseUnfinishedChange(const std::string& path, const Header& header) {

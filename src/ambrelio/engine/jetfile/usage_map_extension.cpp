@@ -19,7 +19,7 @@ constexpr size_t kStep = 4;
 
 uint32_t BitmapOf(uint32_t page) { return page / Layout::PagesOfBitmap(kJet4); }
 
-void SetBit(std::span<uint8_t> bits, uint64_t bit) {
+void SetBit(std::span<uint8_t> bits, size_t bit) {
   bits[bit / 8] |= static_cast<uint8_t>(1U << (bit % 8));
 }
 
@@ -66,7 +66,7 @@ Bytes UsageMapExtension::WiderRow(ByteView row, uint32_t page) const {
 
 void UsageMapExtension::SetBits(std::span<uint8_t> bits, uint64_t first,
                                 const std::vector<uint32_t>& pages) const {
-  for (const uint32_t page : pages) SetBit(bits, page - first);
+  for (const uint32_t page : pages) SetBit(bits, static_cast<size_t>(page - first));
   for (size_t bit = 0; bit < 8 * bits.size(); ++bit) {
     if (IsToCome(first + bit)) SetBit(bits, bit);
   }

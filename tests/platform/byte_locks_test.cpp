@@ -1,34 +1,32 @@
 #include "ambrelio/platform/byte_locks.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
 
+#include "ambrelio/platform/file_path.h"
+#include "support/byte_lock.h"
 #include "support/second_process.h"
 #include "support/temp_folder.h"
 
 namespace ambrelio {
 namespace {
 
-constexpr uint64_t kFirst = 0x10000001;
-constexpr uint64_t kCount = 255;
+using test::SecondProcess;
+
+constexpr uint32_t kFirst = 0x10000001;
+constexpr uint32_t kCount = 255;
 
 class ByteLocks : public ::testing::Test {
  protected:
-  ByteLocks() { std::ofstream(path()) << "users"; }
+  ByteLocks() {
+    if (!SecondProcess::IsThis()) std::ofstream(FilePath(path())) << "users";
+  }
   std::string path() const { return folder_.File("users.ldb"); }
 
-  // Locks bytes from the place of `start` on, until told to go on.
-  void Hold(uint64_t start, uint64_t count, test::SecondProcess& parent) const {
-    const int file = open(path().c_str(), O_RDWR);
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = static_cast<off_t>(start);
-    lock.l_len = static_cast<off_t>(count);
-    if (file < 0 || fcntl(file, F_SETLK, &lock) != 0) throw std::runtime_error("no lock");
+  // Locks bytes from the place of `first` on, until told to go on.
+  void Hold(uint32_t first, uint32_t count, SecondProcess& parent) const {
+    const test::ByteLock lock(path(), first, count);
     parent.Signal();
     parent.Await();
   }
@@ -38,12 +36,12 @@ class ByteLocks : public ::testing::Test {
 
 TEST_F(ByteLocks, AreNotThereWithoutAFileOrALock) {
   EXPECT_EQ(LockedByte(folder_.File("none"), kFirst, kCount), std::nullopt);
+  EXPECT_EQ(LockedByte(folder_.File("no/folder"), kFirst, kCount), std::nullopt);
   EXPECT_EQ(LockedByte(path(), kFirst, kCount), std::nullopt);
 }
 
 TEST_F(ByteLocks, AreFoundBeyondTheEndOfTheFile) {
-  test::SecondProcess other(folder_,
-                            [&](test::SecondProcess& parent) { Hold(kFirst + 254, 1, parent); });
+  SecondProcess other(folder_, [&](SecondProcess& parent) { Hold(kFirst + 254, 1, parent); });
   ASSERT_TRUE(other.Await());
   EXPECT_EQ(LockedByte(path(), kFirst, kCount), kFirst + 254);
   EXPECT_EQ(LockedByte(path(), kFirst, kCount - 1), std::nullopt);
@@ -52,10 +50,15 @@ TEST_F(ByteLocks, AreFoundBeyondTheEndOfTheFile) {
 }
 
 TEST_F(ByteLocks, ThatBeginEarlierAreFoundWhereTheyAreAskedFor) {
-  test::SecondProcess other(folder_,
-                            [&](test::SecondProcess& parent) { Hold(0, kFirst + 1, parent); });
+  SecondProcess other(folder_, [&](SecondProcess& parent) { Hold(0, kFirst + 1, parent); });
   ASSERT_TRUE(other.Await());
   EXPECT_EQ(LockedByte(path(), kFirst, kCount), kFirst);
+}
+
+// Looking leaves nothing behind: the byte can be had at once.
+TEST_F(ByteLocks, AreNotLeftByLooking) {
+  EXPECT_EQ(LockedByte(path(), kFirst, kCount), std::nullopt);
+  EXPECT_NO_THROW(test::ByteLock(path(), kFirst, kCount));
 }
 
 }  // namespace

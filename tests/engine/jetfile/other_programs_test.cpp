@@ -1,10 +1,8 @@
 // A user of the original engine beside us, as far as locks on bytes of the .ldb file make one.
 #include "ambrelio/engine/jetfile/other_programs.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "engine/jetfile/shared_file_fixture.h"
+#include "support/byte_lock.h"
 #include "support/error_of.h"
 #include "support/second_process.h"
 
@@ -22,6 +20,7 @@ constexpr size_t kSlotBytes = 64;
 class OtherPrograms : public SharedFileTest {
  protected:
   OtherPrograms() {
+    if (SecondProcess::IsThis()) return;
     PutFile(Path(), SampleBytes("adox_jet4"));
     Bytes slots(2 * kSlotBytes);
     const auto put = [&](size_t at, std::string_view name) {
@@ -38,16 +37,9 @@ class OtherPrograms : public SharedFileTest {
 
   // What a user's program does: it has the byte of the second slot for itself.
   void BeTheSecondUser(SecondProcess& parent) const {
-    const int file = open(UsersPath().c_str(), O_RDWR);
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = 0x10000002;
-    lock.l_len = 1;
-    if (file < 0 || fcntl(file, F_SETLK, &lock) != 0) throw std::runtime_error("no lock");
+    const test::ByteLock lock(UsersPath(), 0x10000002, 1);
     parent.Signal();
     parent.Await();
-    close(file);
   }
 };
 
