@@ -78,9 +78,10 @@ void SharedFile::OpenData() {
 
 void SharedFile::ReadHeader(std::string_view password) {
   auto pages = std::make_unique<SharedPages>(*data_, format_.page_size);
-  pages_ = pages.get();
+  SharedPages* const below = pages.get();
   const size_t torn = static_cast<size_t>(data_->Size()) % format_.page_size;
   file_.emplace(std::move(pages), torn, password);
+  pages_ = below;  // which are gone where the file is refused
   seen_ = ReadStamp();
 }
 
