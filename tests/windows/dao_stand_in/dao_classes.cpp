@@ -11,6 +11,7 @@
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/embedded_engine.h"
 #include "ambrelio/engine/embedded/storage/storage_file.h"
+#include "ambrelio/engine/mill_indexes.h"
 #include "ambrelio/platform/file_path.h"
 #include "automation_class.h"
 
@@ -321,8 +322,10 @@ std::shared_ptr<dao::Workspace> DefaultOf(const std::shared_ptr<dao::DBEngine>& 
 
 ComPtr<IDispatch> NewDbEngine() {
   using Engine = dao::DBEngine;
-  // Never destroyed, as the workspaces of a process live as long as it does.
-  static const auto* const engine = new std::shared_ptr<Engine>(embedded::CreateEngine());
+  // Never destroyed, as the workspaces of a process live as long as it does; with the indexes
+  // that the library's own engine keeps, so that sums run in the same order.
+  static const auto* const engine = new std::shared_ptr<Engine>(
+      embedded::CreateEngine(embedded::PlanOptions(), engine::MillIndexes()));
   static const auto kClass =
       AutomationClass<Engine>("DAO.DbEngine")
           .Property("Workspaces", WorkspacesOf)
