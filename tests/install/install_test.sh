@@ -19,18 +19,19 @@ cp "$source"/examples/campana/*.INI "$source"/examples/campana/*.ini "$work/mill
 ambrelio create --app "$work/mill" --masters "$source/examples/campana"
 echo '{"let":"Deposito(1).Nombre","value":"Los Llanos"}' | ambrelio journal --app "$work/mill" - >/dev/null
 
-sanitize=$(sed -n 's/^AMBRELIO_SANITIZE:BOOL=//p' "$build/CMakeCache.txt")
+cached() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
+compiler=$(cached CMAKE_CXX_COMPILER)
 flags=()
-[[ $sanitize == ON ]] && flags=(-fsanitize=address,undefined)
+[[ $(cached AMBRELIO_SANITIZE) == ON ]] && flags=(-fsanitize=address,undefined)
 
-cmake -S "$source/tests/install" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
-  -DCMAKE_CXX_FLAGS="${flags[*]:-}" >/dev/null
+cmake -G "$(cached CMAKE_GENERATOR)" -S "$source/tests/install" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
+  -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="${flags[*]:-}" >/dev/null
 cmake --build "$work/build" >/dev/null
 [[ $("$work/build/program" "$work/mill") == "Los Llanos" ]]
 
 pc=$(dirname "$(find "$work/prefix" -name ambrelio.pc)")
 # shellcheck disable=SC2046 # the flags are words
-PKG_CONFIG_PATH=$pc c++ -std=c++20 "${flags[@]}" "$source/tests/install/program.cpp" -o "$work/program" \
+PKG_CONFIG_PATH=$pc "$compiler" -std=c++20 "${flags[@]}" "$source/tests/install/program.cpp" -o "$work/program" \
   $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs --static ambrelio)
 [[ $("$work/program" "$work/mill") == "Los Llanos" ]]
 echo "installed, built and ran"
