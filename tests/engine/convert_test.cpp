@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "ambrelio/engine/check.h"
 #include "ambrelio/engine/engine.h"
 #include "ambrelio/host/create_database.h"
+#include "ambrelio/platform/atomic_file.h"
 #include "ambrelio/value/convert.h"
 #include "engine/jetfile/samples.h"
 #include "support/error_of.h"
@@ -50,10 +50,6 @@ class ConvertTest : public ::testing::Test {
     return text;
   }
 
-  static std::string BytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
   std::vector<std::string> FilesLeft() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
@@ -125,8 +121,8 @@ TEST_F(ConvertTest, TakesAMillToTheOtherFormAndBack) {
   EXPECT_EQ(DescriptionOf(Path("back.mdb")), mill);
   EXPECT_THAT(CheckFile(Path("oliva.sqlite"), ""), IsEmpty());
   EXPECT_THAT(CheckFile(Path("back.mdb"), ""), IsEmpty());
-  EXPECT_EQ(BytesOf(Path("oliva.sqlite")).substr(0, 6), "SQLite");
-  EXPECT_EQ(BytesOf(Path("back.mdb")).substr(4, 15), "Standard Jet DB");
+  EXPECT_EQ(ReadWholeFile(Path("oliva.sqlite")).value().substr(0, 6), "SQLite");
+  EXPECT_EQ(ReadWholeFile(Path("back.mdb")).value().substr(4, 15), "Standard Jet DB");
 }
 
 TEST_F(ConvertTest, CopiesAFileIntoItsOwnForm) {
@@ -148,9 +144,9 @@ TEST_F(ConvertTest, ThePasswordGoesAlong) {
 TEST_F(ConvertTest, OnlyReadsTheOldFile) {
   for (const char* const name : {"oliva.mdb", "oliva.sqlite"}) {
     MakeMill(name);
-    const std::string before = BytesOf(Path(name));
+    const auto before = ReadWholeFile(Path(name));
     Convert(Path(name), Path(std::string("of ") + name + ".mdb"), "");
-    EXPECT_EQ(BytesOf(Path(name)), before) << name;
+    EXPECT_EQ(ReadWholeFile(Path(name)), before) << name;
   }
 }
 

@@ -3,9 +3,9 @@
 
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
+#include "ambrelio/platform/atomic_file.h"
 #include "ambrelio/platform/file_path.h"
 
 namespace ambrelio::test {
@@ -16,8 +16,7 @@ class MadeOnce {
   void PutAt(const std::string& path, const std::function<void()>& make) {
     if (content_.empty()) {
       make();
-      std::ifstream made(FilePath(path), std::ios::binary);
-      content_.assign(std::istreambuf_iterator<char>(made), {});
+      content_ = ReadWholeFile(path).value_or("");
     } else {
       std::ofstream(FilePath(path), std::ios::binary) << content_;
     }

@@ -14,9 +14,6 @@ class CheckCommand : public test::CliTest {
     arguments.insert(arguments.begin(), "check");
     return test::RunCli(std::move(arguments));
   }
-  static std::string Sample(const std::string& name) {
-    return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/" + name + ".mdb";
-  }
   // A copy of a sample in which one byte is another.
   std::string Damaged(const std::string& name, size_t at, char byte) const {
     std::string bytes = test::ReadText(Sample(name));

@@ -79,6 +79,11 @@ class CliTest : public ::testing::Test {
 
   std::string database() const { return app + "/oliva.mdb"; }
 
+  // One of the Jet files that the tests have.
+  static std::string Sample(const std::string& name) {
+    return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/" + name + ".mdb";
+  }
+
   Outcome Journal(const std::string& lines, std::vector<std::string> more = {}) {
     more.insert(more.begin(), {"journal", "--app", app, "-"});
     return RunCli(std::move(more), lines);

@@ -16,9 +16,6 @@ class ConvertCommand : public test::CliTest {
     arguments.insert(arguments.begin(), "convert");
     return test::RunCli(std::move(arguments));
   }
-  static std::string Sample(const std::string& name) {
-    return AMBRELIO_SOURCE_DIR "/tests/engine/jetfile/samples/" + name + ".mdb";
-  }
   std::string copy() const { return folder.File("copy.sqlite"); }
 };
 

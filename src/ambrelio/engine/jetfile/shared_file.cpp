@@ -15,7 +15,6 @@ using Access = SharedFile::Access;
 
 constexpr const char* kOpening = "DAO.Workspace";
 constexpr size_t kCommitTableBytes = 512;
-constexpr size_t kEntryBytes = 2;
 
 void RequireFolder(const std::string& path) {
   const std::filesystem::path folder = FilePath(path).parent_path();

@@ -84,6 +84,8 @@ class SharedFile {
   void Commit();
 
  private:
+  static constexpr size_t kEntryBytes = 2;  // of the commit table
+
   // What tells one commit from the next.
   struct Stamp {
     uint64_t count = 0;

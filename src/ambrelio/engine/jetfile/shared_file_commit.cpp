@@ -9,7 +9,6 @@ namespace {
 using dao::DaoError;
 
 constexpr const char* kSource = "DAO.Database";
-constexpr size_t kEntryBytes = 2;
 
 }  // namespace
 
