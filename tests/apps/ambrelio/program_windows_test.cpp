@@ -1,4 +1,7 @@
 // The program itself, as another program runs it.
+#include <windows.h>
+
+#include "ambrelio/com/text.h"
 #include "cli_test.h"
 #include "support/child_process.h"
 
@@ -9,6 +12,12 @@ using testing::HasSubstr;
 
 class Program : public test::MillCliTest {
  protected:
+  // The application folder of a mill that has no database yet.
+  std::string MillFolder(const std::string& name) const {
+    std::string mill = folder.Folder(name);
+    test::WriteText(mill + "/CLIEN.INI", "[GENERAL]\nEsclavo=0\n");
+    return mill;
+  }
   static std::unique_ptr<test::ChildProcess> Start(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), AMBRELIO_PROGRAM);
     return std::make_unique<test::ChildProcess>(arguments, test::kErrorsToOutput);
@@ -37,11 +46,10 @@ TEST_F(Program, GivesTheExitCodes) {
 }
 
 TEST_F(Program, TakesArgumentsBeyondAsciiAndPrintsThem) {
-  const std::string mill = folder.Folder("almazara ñandú");
-  test::WriteText(mill + "/CLIEN.INI", "[GENERAL]\nEsclavo=0\n");
+  const std::string mill = MillFolder("almazara ñandú");
   ASSERT_EQ(Run({"create", "--app", mill}).code, 0);
   EXPECT_TRUE(std::filesystem::exists(FilePath(mill + "/oliva.mdb")));
-  EXPECT_EQ(Run({"sql", "--app", mill, "select 'Núñez €' as Ñ", "--csv"}).out, "Ñ\nNúñez €\n");
+  EXPECT_EQ(Run({"sql", "--app", mill, "select 'Núñez €' as Ñ", "--csv"}).out, "Ñ\r\nNúñez €\r\n");
   EXPECT_THAT(Run({"journal", "--app", mill, folder.File("año.jsonl")}).out,
               HasSubstr("año.jsonl"));
 }
@@ -68,6 +76,35 @@ TEST_F(Program, AReaderThatWentAwayIsAFileProblem) {
   while (child->Write("{\"call\":\"MaximoTolvas\"}\n")) {
   }
   EXPECT_EQ(child->Wait(), 3);
+}
+
+// The exit code of a program that got no streams and, by the flags, no console or a hidden one.
+int RunUnseen(DWORD flags, const std::string& arguments) {
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  start.dwFlags = STARTF_USESHOWWINDOW;
+  start.wShowWindow = SW_HIDE;
+  std::wstring line = com::ToWide("\"" AMBRELIO_PROGRAM "\" " + arguments);
+  PROCESS_INFORMATION process{};
+  if (!::CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, flags, nullptr, nullptr,
+                        &start, &process)) {
+    throw std::runtime_error("no process: " + arguments);
+  }
+  ::CloseHandle(process.hThread);
+  ::WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = 0;
+  ::GetExitCodeProcess(process.hProcess, &code);
+  ::CloseHandle(process.hProcess);
+  return static_cast<int>(code);
+}
+
+TEST_F(Program, WorksWhereNobodySeesItsOutput) {
+  for (const DWORD flags : {0, DETACHED_PROCESS, CREATE_NEW_CONSOLE, CREATE_NO_WINDOW}) {
+    const std::string mill = MillFolder(std::to_string(flags));
+    EXPECT_EQ(RunUnseen(flags, "create --app \"" + mill + "\""), 0) << flags;
+    EXPECT_TRUE(std::filesystem::exists(FilePath(mill + "/oliva.mdb")));
+    EXPECT_EQ(RunUnseen(flags, "walk"), 2) << flags;
+  }
 }
 
 TEST_F(Program, ReplaysTheExampleSeasonWithoutAnError) {
