@@ -1,12 +1,15 @@
 // The bytes that the program has allocated and not released, for tests that run for long.
 #pragma once
 
-#include <malloc.h>
-
 #include <cstddef>
 
 #if defined(_WIN32)
 #include <windows.h>
+
+#include <algorithm>
+#include <iterator>
+#else
+#include <malloc.h>
 #endif
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -20,11 +23,15 @@ inline size_t MemoryInUse() {
 #if defined(__SANITIZE_ADDRESS__)
   return __sanitizer_get_current_allocated_bytes();
 #elif defined(_WIN32)
-  const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+  // The heaps of the C library and of automation.
+  HANDLE heaps[64];
+  const DWORD count = std::min<DWORD>(::GetProcessHeaps(std::size(heaps), heaps), std::size(heaps));
   size_t bytes = 0;
-  PROCESS_HEAP_ENTRY entry{};
-  while (::HeapWalk(heap, &entry)) {
-    if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+  for (DWORD i = 0; i < count; ++i) {
+    PROCESS_HEAP_ENTRY entry{};
+    while (::HeapWalk(heaps[i], &entry)) {
+      if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+    }
   }
   return bytes;
 #else

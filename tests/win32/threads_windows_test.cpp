@@ -1,12 +1,11 @@
 // Apartments, the ends of threads, and the unloading of the DLL.
 #include <windows.h>
-// After it.
-#include <psapi.h>
 
 #include <future>
 #include <memory>
 #include <thread>
 
+#include "support/memory_in_use.h"
 #include "win32/client.h"
 
 namespace ambrelio {
@@ -150,12 +149,6 @@ TEST(Unloading, EndsTheStateOfThreadsThatLiveOn) {
   other.join();
 }
 
-SIZE_T PrivateBytes() {
-  PROCESS_MEMORY_COUNTERS counters{};
-  ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
-  return counters.PagefileUsage;
-}
-
 DWORD OpenHandles() {
   DWORD count = 0;
   ::GetProcessHandleCount(::GetCurrentProcess(), &count);
@@ -172,13 +165,13 @@ void UseOnce(const ServerDll& dll, const MillFolder& mill) {
 }
 
 // What `action` leaves behind each time, once the system has what it keeps.
-void ExpectToLeave(SIZE_T bytes_each, const std::function<void()>& action) {
+void ExpectToLeave(size_t bytes_each, const std::function<void()>& action) {
   constexpr int kTimes = 30;
   for (int i = 0; i < 10; ++i) action();
-  const SIZE_T bytes = PrivateBytes();
+  const size_t bytes = test::MemoryInUse();
   const DWORD handles = OpenHandles();
   for (int i = 0; i < kTimes; ++i) action();
-  EXPECT_LT(PrivateBytes(), bytes + kTimes * bytes_each);
+  EXPECT_LT(test::MemoryInUse(), bytes + kTimes * bytes_each);
   EXPECT_LE(OpenHandles(), handles + 5);
 }
 

@@ -267,9 +267,9 @@ std::string SqlWriter::AggregateCall(const Expr& expr) {
     case Aggregate::kCount:
       return "count(" + distinct + Key(value) + ")";
     case Aggregate::kSum:
-      return "sum(" + distinct + Number(value) + ")";
+      return "jet_sum(" + distinct + Number(value) + ")";
     case Aggregate::kAverage:
-      return "avg(" + distinct + Number(value) + ")";
+      return "jet_avg(" + distinct + Number(value) + ")";
     case Aggregate::kMinimum:
       return "min(" + Key(value) + ")";
     case Aggregate::kMaximum:
