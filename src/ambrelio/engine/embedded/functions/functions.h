@@ -57,8 +57,7 @@ bool MatchesLike(std::string_view text, std::string_view pattern);
 //     jet_first(value, key...), jet_last(value, key...)  the value of the row with the lowest or
 //     highest key, keys compared left to right, Null lowest, text by JET; without keys the first
 //     or last row met
-//     jet_sum(x), jet_avg(x)  always Double, Null without rows; added up in the order of the rows, so
-//     that answers do not depend on SQLite's version, whose own sum changed
+//     jet_sum(x), jet_avg(x)  always Double, Null without rows
 void RegisterFunctions(sqlite3* db);
 
 // How an AutomationError passes through SQLite: encoded in the message of the function's error, and

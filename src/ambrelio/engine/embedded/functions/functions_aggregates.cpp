@@ -8,7 +8,9 @@ namespace ambrelio::embedded {
 
 namespace {
 
-// Sum and average. The context starts as zero bytes, which is the empty sum.
+// Sum and average, added up in the order of the rows: SQLite's own have done it in different ways
+// from version to version, and the last digit of an answer with them. The context starts as zero
+// bytes, which is the empty sum.
 struct Sum {
   double total;
   int64_t count;
