@@ -41,6 +41,10 @@ Variant Result(const com::ComPtr<IDispatch>& object);
 template <class T>
 T Argument(const Variant& value);
 template <>
+inline Variant Argument(const Variant& value) {
+  return value;
+}
+template <>
 inline std::string Argument(const Variant& value) {
   return ToText(value);
 }

@@ -70,7 +70,7 @@ class AutomationClass {
   }
 
   // A collection, which For Each walks over; `elements` are those of the moment.
-  using List = std::function<std::vector<Variant>(Target&)>;
+  using List = std::function<std::vector<Variant>(const TargetPtr&)>;
   AutomationClass Collects(List elements) && {
     elements_ = std::move(elements);
     return std::move(*this);
@@ -102,7 +102,7 @@ class AutomationClass {
     }
     std::optional<std::vector<Variant>> Elements() override {
       if (!the_class.elements_) return std::nullopt;
-      return the_class.elements_(*target);
+      return the_class.elements_(target);
     }
     const AutomationClass& the_class;
     const TargetPtr target;

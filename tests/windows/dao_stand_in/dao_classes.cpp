@@ -14,6 +14,7 @@
 #include "ambrelio/engine/mill_indexes.h"
 #include "ambrelio/platform/file_path.h"
 #include "automation_class.h"
+#include "editable_rows.h"
 
 namespace ambrelio::stand_in {
 namespace {
@@ -27,7 +28,7 @@ ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::Field>& field) {
   using Field = dao::Field;
   static const auto kClass =
       AutomationClass<Field>("DAO.Field")
-          .Property("Value", &Field::Value)
+          .Property("Value", &Field::Value)  // 3219: it belongs to no row
           .AsDefault()
           .Property("Name", &Field::Name, &Field::SetName)
           .Property("Type", &Field::Type)
@@ -51,8 +52,8 @@ ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::Index>& index);
 ComPtr<IDispatch> Wrap(const std::shared_ptr<dao::TableDef>& table);
 
 template <class T>
-Variant ItemOf(const dao::Collection<T>& items, const Variant& key) {
-  return Result(Wrap(key.is_text() ? items.Item(key.as<std::string>()) : items.Item(ToLong(key))));
+std::shared_ptr<T> ItemBy(const dao::Collection<T>& items, const Variant& key) {
+  return key.is_text() ? items.Item(key.as<std::string>()) : items.Item(ToLong(key));
 }
 
 template <class T>
@@ -66,30 +67,32 @@ std::vector<Variant> ItemsOf(const dao::Collection<T>& items) {
 template <class T, class Owner>
 Variant Part(const char* name, const std::shared_ptr<Owner>& owner, dao::Collection<T>& items) {
   using Items = dao::Collection<T>;
-  static const auto kClass =
-      AutomationClass<Items>(name)
-          .Property("Count",
-                    [](const auto& of, const Arguments&) {
-                      return Result(static_cast<int16_t>(of->Count()));
-                    })
-          .Method(
-              "Item", 1, 1,
-              [](const auto& of, const Arguments& arguments) { return ItemOf(*of, arguments[0]); })
-          .AsDefault()
-          .Method("Append", 1, 1,
-                  [name](const auto& to, const Arguments& arguments) {
-                    const auto item = AutomationClass<T>::Unwrap(arguments[0]);
-                    if (item == nullptr) dao::Raise(DaoError::kConversion, name);
-                    to->Append(item);
-                    return Variant();
-                  })
-          .Method("Delete", 1, 1,
-                  [](const auto& from, const Arguments& arguments) {
-                    from->Delete(ToText(arguments[0]));
-                    return Variant();
-                  })
-          .Method("Refresh", &Items::Refresh)
-          .Collects([](Items& of) { return ItemsOf(of); });
+  static const auto kClass = AutomationClass<Items>(name)
+                                 .Property("Count",
+                                           [](const auto& of, const Arguments&) {
+                                             return Result(static_cast<int16_t>(of->Count()));
+                                           })
+                                 .Method("Item", 1, 1,
+                                         [](const auto& of, const Arguments& arguments) {
+                                           return Result(Wrap(ItemBy(*of, arguments[0])));
+                                         })
+                                 .AsDefault()
+                                 .Method("Append", 1, 1,
+                                         [name](const auto& to, const Arguments& arguments) {
+                                           const auto item =
+                                               AutomationClass<T>::Unwrap(arguments[0]);
+                                           if (item == nullptr)
+                                             dao::Raise(DaoError::kConversion, name);
+                                           to->Append(item);
+                                           return Variant();
+                                         })
+                                 .Method("Delete", 1, 1,
+                                         [](const auto& from, const Arguments& arguments) {
+                                           from->Delete(ToText(arguments[0]));
+                                           return Variant();
+                                         })
+                                 .Method("Refresh", &Items::Refresh)
+                                 .Collects([](const auto& of) { return ItemsOf(*of); });
   return Result(kClass.Wrap(std::shared_ptr<Items>(owner, &items)));
 }
 
@@ -175,23 +178,97 @@ struct OpenDatabase {
 // A recordset with its database, which stays open as long as there is one of them.
 struct OpenRecordset {
   std::shared_ptr<OpenDatabase> of;
-  std::unique_ptr<dao::Recordset> rows;
+  EditableRows rows;
 };
 
-ComPtr<IDispatch> Wrap(std::shared_ptr<OpenRecordset> opened) {
-  using Recordset = dao::Recordset;
-  static const auto kClass = AutomationClass<Recordset>("DAO.Recordset")
-                                 .Property("Fields", FieldsOf<Recordset>)
+// A field of a recordset, which it keeps alive.
+struct RowField {
+  std::shared_ptr<OpenRecordset> of;
+  std::shared_ptr<dao::Field> field;
+
+  Variant Value() const { return of->rows.Value(*field); }
+  void SetValue(const Variant& value) { of->rows.Put(*field, value); }
+};
+
+// What a field says of itself.
+template <auto member>
+Variant Told(const std::shared_ptr<RowField>& of, const Arguments&) {
+  return Result((*of->field.*member)());
+}
+
+ComPtr<IDispatch> Wrap(std::shared_ptr<RowField> field) {
+  using Field = dao::Field;
+  static const auto kClass = AutomationClass<RowField>("DAO.Field")
+                                 .Property("Value", &RowField::Value, &RowField::SetValue)
                                  .AsDefault()
-                                 .Property("EOF", &Recordset::AtEnd)
-                                 .Property("BOF", &Recordset::AtStart)
-                                 .Method("MoveFirst", &Recordset::MoveFirst)
-                                 .Method("MoveLast", &Recordset::MoveLast)
-                                 .Method("MoveNext", &Recordset::MoveNext)
-                                 .Method("MovePrevious", &Recordset::MovePrevious)
-                                 .Method("Close", &Recordset::Close);
-  auto* const rows = opened->rows.get();
-  return kClass.Wrap({std::move(opened), rows});
+                                 .Property("Name", Told<&Field::Name>)
+                                 .Property("Type", Told<&Field::Type>)
+                                 .Property("Size", Told<&Field::Size>)
+                                 .Property("OrdinalPosition", Told<&Field::OrdinalPosition>)
+                                 .Property("Attributes", Told<&Field::Attributes>)
+                                 .Property("Required", Told<&Field::Required>)
+                                 .Property("AllowZeroLength", Told<&Field::AllowZeroLength>)
+                                 .Property("DefaultValue", Told<&Field::DefaultValue>);
+  return kClass.Wrap(std::move(field));
+}
+
+Variant RowFieldOf(const std::shared_ptr<OpenRecordset>& of, std::shared_ptr<dao::Field> field) {
+  return Result(Wrap(std::make_shared<RowField>(RowField{of, std::move(field)})));
+}
+
+// The fields of a recordset.
+Variant RowFieldsOf(const std::shared_ptr<OpenRecordset>& opened, const Arguments&) {
+  static const auto kClass =
+      AutomationClass<OpenRecordset>("DAO.Fields")
+          .Property("Count",
+                    [](const auto& of, const Arguments&) {
+                      return Result(static_cast<int16_t>(of->rows.Fields().Count()));
+                    })
+          .Method("Item", 1, 1,
+                  [](const auto& of, const Arguments& arguments) {
+                    return RowFieldOf(of, ItemBy(of->rows.Fields(), arguments[0]));
+                  })
+          .AsDefault()
+          .Collects([](const std::shared_ptr<OpenRecordset>& of) {
+            std::vector<Variant> list;
+            auto& fields = of->rows.Fields();
+            for (int i = 0; i < fields.Count(); ++i) list.push_back(RowFieldOf(of, fields.Item(i)));
+            return list;
+          });
+  return Result(kClass.Wrap(opened));
+}
+
+// A member of the rows that takes nothing.
+template <auto member>
+Variant OfRows(const std::shared_ptr<OpenRecordset>& of, const Arguments&) {
+  using Given = decltype((of->rows.*member)());
+  if constexpr (std::is_void_v<Given>) {
+    (of->rows.*member)();
+    return {};
+  } else {
+    return Result((of->rows.*member)());
+  }
+}
+
+ComPtr<IDispatch> Wrap(std::shared_ptr<OpenRecordset> opened) {
+  using Rows = EditableRows;
+  static const auto kClass = AutomationClass<OpenRecordset>("DAO.Recordset")
+                                 .Property("Fields", RowFieldsOf)
+                                 .AsDefault()
+                                 .Property("EOF", OfRows<&Rows::AtEnd>)
+                                 .Property("BOF", OfRows<&Rows::AtStart>)
+                                 .Property("EditMode", OfRows<&Rows::EditMode>)
+                                 .Method("MoveFirst", 0, 0, OfRows<&Rows::MoveFirst>)
+                                 .Method("MoveLast", 0, 0, OfRows<&Rows::MoveLast>)
+                                 .Method("MoveNext", 0, 0, OfRows<&Rows::MoveNext>)
+                                 .Method("MovePrevious", 0, 0, OfRows<&Rows::MovePrevious>)
+                                 .Method("AddNew", 0, 0, OfRows<&Rows::AddNew>)
+                                 .Method("Edit", 0, 0, OfRows<&Rows::Edit>)
+                                 .Method("Update", 0, 2, OfRows<&Rows::Update>)
+                                 .Method("CancelUpdate", 0, 1, OfRows<&Rows::CancelUpdate>)
+                                 .Method("Delete", 0, 0, OfRows<&Rows::Delete>)
+                                 .Method("Close", 0, 0, OfRows<&Rows::Close>);
+  return kClass.Wrap(std::move(opened));
 }
 
 Variant Execute(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
@@ -200,8 +277,9 @@ Variant Execute(const std::shared_ptr<OpenDatabase>& on, const Arguments& argume
 }
 
 Variant OpenRows(const std::shared_ptr<OpenDatabase>& on, const Arguments& arguments) {
-  auto rows = on->Data().OpenRecordset(ToText(arguments[0]),
-                                       static_cast<dao::RecordsetType>(ToLong(arguments[1])));
+  on->Data();
+  EditableRows rows(on->database, ToText(arguments[0]),
+                    static_cast<dao::RecordsetType>(ToLong(arguments[1])));
   return Result(Wrap(std::make_shared<OpenRecordset>(OpenRecordset{on, std::move(rows)})));
 }
 
@@ -310,7 +388,7 @@ Variant WorkspacesOf(const std::shared_ptr<dao::DBEngine>& engine, const Argumen
                     return Result(Wrap(of->Item(arguments[0])));
                   })
           .AsDefault()
-          .Collects([](Workspaces& of) { return std::vector{Result(Wrap(of.Item(int32_t{0})))}; });
+          .Collects([](const auto& of) { return std::vector{Result(Wrap(of->Item(int32_t{0})))}; });
   return Result(kClass.Wrap(std::make_shared<Workspaces>(Workspaces{engine})));
 }
 
