@@ -10,8 +10,8 @@ int main(int argc, char** argv) {
   // A reader that goes away shows as a write that fails, which is reported like a full disk.
   std::signal(SIGPIPE, SIG_IGN);
 #endif
-  ambrelio::UsePlainUtf8Streams();
   std::ios::sync_with_stdio(false);
+  ambrelio::UsePlainUtf8Streams();
   std::cin.tie(nullptr);
   ambrelio::cli::Console console{std::cin, std::cout, std::cerr,
                                  ambrelio::ErrorOutputIsTerminal() && !ambrelio::OutputIsTerminal(),

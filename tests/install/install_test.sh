@@ -32,6 +32,6 @@ cmake --build "$work/build" >/dev/null
 pc=$(dirname "$(find "$work/prefix" -name ambrelio.pc)")
 # shellcheck disable=SC2046 # the flags are words
 PKG_CONFIG_PATH=$pc "$compiler" -std=c++20 "${flags[@]}" "$source/tests/install/program.cpp" -o "$work/program" \
-  $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs --static ambrelio)
+  $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs ambrelio)
 [[ $("$work/program" "$work/mill") == "Los Llanos" ]]
 echo "installed, built and ran"

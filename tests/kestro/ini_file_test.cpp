@@ -343,7 +343,9 @@ TEST_F(IniFileWriteTest, RefusesNamesThatWouldReadAsSomethingElse) {
 TEST_F(IniFileWriteTest, WritesThroughALink) {
   Given("[GENERAL]\na=1\n");
   std::string link = folder_.File("link.ini");
-  std::filesystem::create_symlink(path_, link);
+  std::error_code refused;
+  std::filesystem::create_symlink(path_, link, refused);
+  if (refused) GTEST_SKIP() << "no links here: " << refused.message();
   IniFile(link, "GENERAL").Write("a", "2");
   EXPECT_EQ(Bytes(), "[GENERAL]\na=2\n");
   EXPECT_TRUE(std::filesystem::is_symlink(link));

@@ -7,27 +7,18 @@
 
 #include "ambrelio/platform/event_loop.h"
 #include "ambrelio/platform/interruption.h"
+#include "support/interruptions.h"
 
 namespace ambrelio {
 namespace {
+
+using test::Press;
 
 std::atomic<int> caught = 0;
 
 BOOL WINAPI Catch(DWORD) {
   ++caught;
   return TRUE;
-}
-
-// What Windows runs on a new thread of a program whose keys are pressed: it asks the handlers, the
-// latest first. To press keys for oneself takes a console, which a test may not have.
-void Press(DWORD event) {
-  const auto routine = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(
-      ::GetProcAddress(::GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine")));
-  ASSERT_NE(routine, nullptr);
-  const HANDLE thread =
-      ::CreateThread(nullptr, 0, routine, reinterpret_cast<void*>(ULONG_PTR{event}), 0, nullptr);
-  ::WaitForSingleObject(thread, INFINITE);
-  ::CloseHandle(thread);
 }
 
 // Beside someone who handles what nobody else does, so that the test goes on.

@@ -9,9 +9,8 @@
 //   disk.WriteImage(other_folder, seed);  // one of the folders that can be found afterwards
 #pragma once
 
-#include <sys/stat.h>
-
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -23,6 +22,7 @@
 #include <vector>
 
 #include "ambrelio/platform/atomic_file.h"
+#include "support/file_number.h"
 #include "support/watched_files.h"
 
 namespace ambrelio::test {
@@ -107,9 +107,9 @@ class DiskRecord {
   // A file is told by what the system tells it by: it can have several names, and a name several
   // files after each other.
   std::pair<FileId, bool> Identify(const std::string& name) {
-    struct stat status {};
-    if (::stat(Path(name).c_str(), &status) != 0) return {next_id_++, true};
-    const auto [known, is_new] = ids_.try_emplace(status.st_ino, next_id_);
+    const auto number = FileNumber(Path(name));
+    if (!number) return {next_id_++, true};
+    const auto [known, is_new] = ids_.try_emplace(*number, next_id_);
     if (is_new) ++next_id_;
     return {known->second, is_new};
   }
@@ -120,7 +120,7 @@ class DiskRecord {
   std::string folder_;
   std::vector<Step> steps_;
   size_t begin_ = 0;
-  std::map<ino_t, FileId> ids_;
+  std::map<uint64_t, FileId> ids_;
   FileId next_id_ = 0;
   int countdown_ = 1;
   int code_ = SQLITE_OK;

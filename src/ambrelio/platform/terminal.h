@@ -7,9 +7,9 @@ namespace ambrelio {
 bool OutputIsTerminal();
 bool ErrorOutputIsTerminal();
 
-// From here on the streams carry bytes as they are given, and a terminal takes them for UTF-8. What
-// is said in a process that was started without an output is dropped, and no error. To be called
-// before their first use.
+// From here on the standard streams of C++ carry bytes as they are given, and a terminal takes them
+// for UTF-8. What is said in a process that was started without an output is dropped, and no error.
+// To be called before their first use, but after what their synchronisation is decided by.
 void UsePlainUtf8Streams();
 
 }  // namespace ambrelio

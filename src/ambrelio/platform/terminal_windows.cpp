@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <initializer_list>
+#include <iostream>
+#include <streambuf>
 
 #include "ambrelio/platform/terminal.h"
 
@@ -15,6 +17,12 @@ bool IsConsole(DWORD stream) {
   DWORD mode = 0;
   return ::GetConsoleMode(::GetStdHandle(stream), &mode) != 0;
 }
+
+// Takes everything and keeps nothing.
+class Nowhere : public std::streambuf {
+  int_type overflow(int_type character) override { return traits_type::not_eof(character); }
+  std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+};
 
 // A program that is started hidden may have no output, or that of a console that is not there: a
 // device which refuses every write.
@@ -32,8 +40,9 @@ bool OutputIsTerminal() { return IsConsole(STD_OUTPUT_HANDLE); }
 bool ErrorOutputIsTerminal() { return IsConsole(STD_ERROR_HANDLE); }
 
 void UsePlainUtf8Streams() {
-  if (GoesNowhere(STD_OUTPUT_HANDLE)) std::freopen("NUL", "w", stdout);
-  if (GoesNowhere(STD_ERROR_HANDLE)) std::freopen("NUL", "w", stderr);
+  static auto* const nowhere = new Nowhere;  // which the streams use to the very end
+  if (GoesNowhere(STD_OUTPUT_HANDLE)) std::cout.rdbuf(nowhere);
+  if (GoesNowhere(STD_ERROR_HANDLE)) std::cerr.rdbuf(nowhere);
   for (std::FILE* stream : {stdin, stdout, stderr}) ::_setmode(::_fileno(stream), _O_BINARY);
   ::SetConsoleOutputCP(CP_UTF8);
 }

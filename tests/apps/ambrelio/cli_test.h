@@ -15,6 +15,7 @@
 
 #include "ambrelio/kestro/ini_file.h"
 #include "ambrelio/kestro/tools.h"
+#include "ambrelio/platform/file_path.h"
 #include "run.h"
 #include "support/made_once.h"
 #include "support/temp_folder.h"
@@ -24,6 +25,11 @@ namespace ambrelio::test {
 inline std::string ReadText(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// A path as the system itself writes it.
+inline std::string Within(const std::string& folder, const std::string& name) {
+  return Utf8Path(FilePath(folder) / FilePath(name));
 }
 
 inline void WriteText(const std::string& path, const std::string& text) {
@@ -77,7 +83,7 @@ class CliTest : public ::testing::Test {
     ASSERT_EQ(created.code, 0) << created.err;
   }
 
-  std::string database() const { return app + "/oliva.mdb"; }
+  std::string database() const { return Within(app, "oliva.mdb"); }
 
   // One of the Jet files that the tests have.
   static std::string Sample(const std::string& name) {

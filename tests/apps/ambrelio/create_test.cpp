@@ -35,7 +35,7 @@ TEST_F(CreateCommand, PutsTheDatabaseWhereTheSettingsSay) {
   const std::string data = folder.Folder("mill/datos");
   const auto outcome = test::RunCli({"create", "--app", app});
   EXPECT_EQ(outcome.code, 0) << outcome.err;
-  EXPECT_EQ(outcome.out, data + "/molino.mdb created\n");
+  EXPECT_EQ(outcome.out, test::Within(data, "molino.mdb") + " created\n");
   EXPECT_TRUE(std::filesystem::exists(data + "/molino.mdb"));
 }
 
@@ -64,7 +64,9 @@ TEST_F(CreateCommand, NeverOverwrites) {
 }
 
 TEST_F(CreateCommand, NeverOverwritesALinkThatLeadsNowhere) {
-  std::filesystem::create_symlink(folder.File("elsewhere"), database());
+  std::error_code refused;
+  std::filesystem::create_symlink(folder.File("elsewhere"), database(), refused);
+  if (refused) GTEST_SKIP() << "no links here: " << refused.message();
   EXPECT_EQ(test::RunCli({"create", "--app", app}).code, 3);
   EXPECT_TRUE(std::filesystem::is_symlink(database()));
   EXPECT_FALSE(std::filesystem::exists(folder.File("elsewhere")));
@@ -96,7 +98,7 @@ TEST_F(CreateCommand, AMalformedMasterNamesFileAndLineAndLeavesNoDatabase) {
   const std::string masters = Masters("CODSOC,NOMSOC\n1,Ana\nx,Luis\n");
   const auto outcome = CreateWith(masters);
   EXPECT_EQ(outcome.code, 2);
-  EXPECT_THAT(outcome.err, HasSubstr(masters + "/socios.csv:3: "));
+  EXPECT_THAT(outcome.err, HasSubstr(test::Within(masters, "socios.csv") + ":3: "));
   EXPECT_EQ(outcome.out, "");
   EXPECT_FALSE(std::filesystem::exists(database()));
   EXPECT_EQ(CreateWith(Masters()).code, 0) << "a second attempt starts afresh";
@@ -108,7 +110,8 @@ TEST_F(CreateCommand, AFolderInPlaceOfAMasterIsAFileProblem) {
   folder.Folder("masters/municipios.csv");
   const auto outcome = CreateWith(masters);
   EXPECT_EQ(outcome.code, 3);
-  EXPECT_THAT(outcome.err, HasSubstr(masters + "/municipios.csv: the file cannot be read"));
+  EXPECT_THAT(outcome.err,
+              HasSubstr(test::Within(masters, "municipios.csv") + ": the file cannot be read"));
   EXPECT_FALSE(std::filesystem::exists(database()));
 }
 
@@ -135,7 +138,8 @@ TEST_F(CreateCommand, AMissingMasterStopsBeforeTheDatabaseIsMade) {
   std::filesystem::remove(masters + "/productos.csv");
   const auto outcome = CreateWith(masters);
   EXPECT_EQ(outcome.code, 3);
-  EXPECT_EQ(outcome.err, "ambrelio: '" + masters + "/productos.csv' does not exist\n");
+  EXPECT_EQ(outcome.err,
+            "ambrelio: '" + test::Within(masters, "productos.csv") + "' does not exist\n");
   EXPECT_FALSE(std::filesystem::exists(database()));
 }
 

