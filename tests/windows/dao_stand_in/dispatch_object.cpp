@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "ambrelio/com/conversion.h"
 #include "ambrelio/com/errors.h"
@@ -128,23 +129,25 @@ HRESULT DispatchObject::Call(size_t place, WORD flags, const DISPPARAMS& paramet
                              VARIANT* result) {
   const ClassNames::Member& member = names_.members[place];
   const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-  if (put && !member.writable) return DISP_E_MEMBERNOTFOUND;
   if (parameters.cNamedArgs > (put ? 1U : 0U)) return DISP_E_NONAMEDARGS;
-  const Arguments given(Given(parameters));
-  // Arguments behind a property that takes none are for the default member of what it gives:
-  // Workspaces(0).
-  const bool pass_on = !put && member.most == 0 && given.size() > 0;
-  const size_t most = put ? 1 : member.most;
-  if (!pass_on && (given.size() < (put ? 1 : member.least) || given.size() > most)) {
-    return DISP_E_BADPARAMCOUNT;
-  }
-  const Arguments taken = pass_on ? Arguments({}) : given;
-  if (!IsControl()) Control::Instance().Meet(names_.name, member.name, put, taken);
-  const Variant value = Perform(place, put, taken);
+  if (put && parameters.cArgs == 0) return DISP_E_BADPARAMCOUNT;
+  std::vector<Variant> given = Given(parameters);
+  const size_t before = given.size() - (put ? 1 : 0);  // the value of a put stands last
+  // Arguments behind a property that takes none are for the default member of what it gives, as in
+  // Workspaces(0); so is a value for what takes none, as in rows("Tolva") = 1.
+  const bool all_behind = member.most == 0 && before > 0;
+  const bool pass_on = all_behind || (put && !member.writable);
+  if (!all_behind && (before < member.least || before > member.most)) return DISP_E_BADPARAMCOUNT;
+  if (pass_on) given.resize(all_behind ? 0 : before);
+  const Arguments taken(std::move(given));
+  if (!IsControl()) Control::Instance().Meet(names_.name, member.name, put && !pass_on, taken);
+  const Variant value = Perform(place, put && !pass_on, taken);
   if (pass_on) {
     DispatchObject* const object = Own(value);
-    if (object == nullptr || !object->names_.default_member) return DISP_E_BADPARAMCOUNT;
-    return object->Call(*object->names_.default_member, flags, parameters, result);
+    if (object == nullptr || !object->names_.default_member) return DISP_E_MEMBERNOTFOUND;
+    DISPPARAMS rest = parameters;
+    if (!all_behind) rest.cArgs = 1;
+    return object->Call(*object->names_.default_member, flags, rest, result);
   }
   if (result != nullptr) *result = com::ToCom(value).Release();
   return S_OK;

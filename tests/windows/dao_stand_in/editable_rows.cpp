@@ -1,12 +1,11 @@
 #include "editable_rows.h"
 
-#include <charconv>
 #include <utility>
 #include <vector>
 
 #include "ambrelio/dao/errors.h"
 #include "ambrelio/engine/embedded/sql/parser.h"
-#include "ambrelio/value/convert.h"
+#include "ambrelio/host/sql_literal.h"
 
 namespace ambrelio::stand_in {
 namespace {
@@ -42,34 +41,10 @@ std::string TableOf(dao::Database& database, const std::string& source) {
 
 std::string Bracketed(const std::string& name) { return "[" + name + "]"; }
 
-// With all digits, so that what is read back is the same.
-std::string Digits(double number) {
-  char text[32];
-  return {text, std::to_chars(text, text + sizeof text, number).ptr};
-}
-
+// To the last bit: a date among the literals ends with its seconds.
 std::string Literal(const Variant& value) {
-  switch (value.type()) {
-    case VariantType::kEmpty:
-    case VariantType::kNull:
-      return "Null";
-    case VariantType::kBoolean:
-      return value.as<bool>() ? "True" : "False";
-    case VariantType::kDate:
-      return "CDate(" + Digits(value.as<OleDate>().days()) + ")";
-    case VariantType::kCurrency:
-      return "CCur(" + Digits(ToDouble(value)) + ")";
-    case VariantType::kText: {
-      std::string literal = "'";
-      for (const char c : value.as<std::string>()) literal += c == '\'' ? "''" : std::string(1, c);
-      return literal + "'";
-    }
-    case VariantType::kArray:
-    case VariantType::kObject:
-      dao::Raise(DaoError::kConversion, kSource);
-    default:
-      return Digits(ToDouble(value));
-  }
+  if (!value.is_date()) return host::SqlLiteral(value);
+  return "CDate(" + host::SqlLiteral(value.as<OleDate>().days()) + ")";
 }
 
 }  // namespace
@@ -77,7 +52,7 @@ std::string Literal(const Variant& value) {
 EditableRows::EditableRows(const std::shared_ptr<dao::Database>& database,
                            const std::string& source, dao::RecordsetType type)
     : database_(database),
-      table_(TableOf(*database, source)),
+      source_(source),
       snapshot_(type == dao::RecordsetType::kSnapshot),
       rows_(database->OpenRecordset(source, type)) {}
 
@@ -92,28 +67,14 @@ void EditableRows::Begin(Mode mode) {
   mode_ = mode;
 }
 
-void EditableRows::MoveFirst() {
+void EditableRows::Move(void (dao::Recordset::*move)()) {
   Begin(Mode::kNone);
-  rows_->MoveFirst();
+  (*rows_.*move)();
 }
 
-void EditableRows::MoveLast() {
-  Begin(Mode::kNone);
-  rows_->MoveLast();
-}
-
-void EditableRows::MoveNext() {
-  Begin(Mode::kNone);
-  rows_->MoveNext();
-}
-
-void EditableRows::MovePrevious() {
-  Begin(Mode::kNone);
-  rows_->MovePrevious();
-}
-
-void EditableRows::ExpectUpdatable() const {
+void EditableRows::ExpectUpdatable() {
   if (snapshot_) dao::Raise(DaoError::kNotSupported, kSource);
+  if (table_.empty()) table_ = TableOf(*Database(), source_);
   if (table_.empty()) dao::Raise(DaoError::kReadOnly, kSource);
 }
 

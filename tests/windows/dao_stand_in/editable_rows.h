@@ -20,10 +20,10 @@ class EditableRows {
   bool AtEnd() const { return rows_->AtEnd(); }
   bool AtStart() const { return rows_->AtStart(); }
   // A move drops what was put and not stored.
-  void MoveFirst();
-  void MoveLast();
-  void MoveNext();
-  void MovePrevious();
+  void MoveFirst() { Move(&dao::Recordset::MoveFirst); }
+  void MoveLast() { Move(&dao::Recordset::MoveLast); }
+  void MoveNext() { Move(&dao::Recordset::MoveNext); }
+  void MovePrevious() { Move(&dao::Recordset::MovePrevious); }
   void Close() { rows_->Close(); }
 
   // Begins a new row (a change of the current one, 3021 without one) in place of one begun before.
@@ -47,16 +47,18 @@ class EditableRows {
   enum class Mode : int16_t { kNone, kEdit, kAdd };
 
   std::shared_ptr<dao::Database> Database() const;  // 3420 when it is closed
+  void Move(void (dao::Recordset::*move)());
   void Begin(Mode mode);
   void Store();
-  void ExpectUpdatable() const;
+  void ExpectUpdatable();
   void ExpectBegun() const;
   void Carry(const std::string& statement);
   void ReadCurrentAgain();
   std::string OfCurrentRow() const;  // a where clause
 
   std::weak_ptr<dao::Database> database_;  // whoever closes it closes it for its rows
-  std::string table_;                      // "" when the rows are not those of one table
+  std::string source_;
+  std::string table_;  // looked for when a row is to be changed
   bool snapshot_;
   std::unique_ptr<dao::Recordset> rows_;
   Mode mode_ = Mode::kNone;
