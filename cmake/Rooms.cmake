@@ -10,11 +10,12 @@ function(ambrelio_keep_this_system list)
   set(${list} ${${list}} PARENT_SCOPE)
 endfunction()
 
-# The standard headers cost more to read than most sources of the rooms: where it is wanted, they are
-# read once.
+# The standard headers that the sources of most rooms read.
 set(AMBRELIO_STANDARD_HEADERS
     <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <set> <span>
     <string> <string_view> <utility> <variant> <vector>)
+
+# They cost more to read than most of these sources: where it is wanted, they are read once.
 function(ambrelio_read_standard_headers)
   file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/standard_headers.cpp" "")
   add_library(standard_headers OBJECT EXCLUDE_FROM_ALL

@@ -1,13 +1,14 @@
 #include <csignal>
 
 #include "gateway_fixture.h"
+#include "support/interruptions.h"
 
 namespace ambrelio::cli {
 namespace {
 
 TEST_F(GatewayCommand, EndsAtASignal) {
-  for (const int signal : {SIGINT, SIGTERM}) {
-    events->StartTimer(Milliseconds(5), [signal] { std::raise(signal); });
+  for (const auto& interrupt : test::Interruptions()) {
+    events->StartTimer(Milliseconds(5), interrupt);
     AskAt(Milliseconds(10), "3?");
     const auto outcome = Gateway("");
     EXPECT_EQ(outcome.code, 0);

@@ -91,7 +91,7 @@ void EditableRows::AddNew() {
 
 void EditableRows::Edit() {
   ExpectUpdatable();
-  OfCurrentRow();
+  OfCurrentRow();  // raises what is wrong with it now, and not in Update
   Begin(Mode::kEdit);
 }
 
