@@ -148,5 +148,20 @@ TEST_F(ReadingCost, RecordsetsWithinAWalkDoNotReadItToItsEnd) {
   }
 }
 
+TEST_F(ReadingCost, MemoryOfAQuestionDoesNotGrowWithItsRows) {
+  constexpr int64_t kMost = 40 << 20;
+  if (sqlite3_memory_used() == 0) GTEST_SKIP() << "this SQLite does not count its memory";
+  Execute("create table L (Numero long constraint k primary key, Texto text(250))");
+  storage_->Run(
+      "with recursive n(i) as (select 1 union all select i + 1 from n where i < 200000) "
+      "insert into L select i, printf('%250d', i) from n");
+  sqlite3_memory_highwater(1);
+  const auto rows = Open("select Numero mod 3 as n, max(Texto) as t from L group by Numero mod 3",
+                         RecordsetType::kSnapshot);
+  rows->MoveLast();
+  EXPECT_EQ(rows->Value("n").as<int32_t>(), 2);
+  EXPECT_LT(sqlite3_memory_highwater(0), kMost);  // of 50 MB that are sorted
+}
+
 }  // namespace
 }  // namespace ambrelio::embedded

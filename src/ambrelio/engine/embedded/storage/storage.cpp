@@ -15,11 +15,12 @@ using dao::DaoError;
 constexpr int kLockWaitMilliseconds = 2000;
 // A committed statement survives the process and the power; nothing in a file that somebody
 // tampered with may run code. The last connection that closes moves the log into the file; within a
-// call only one of 64 MB is moved, which most of a season makes when nobody ever closes.
+// call only one of 64 MB is moved, which most of a season makes when nobody ever closes. What has
+// to be sorted goes into a temporary file where it is more than the cache holds.
 constexpr const char* kSettings =
     "pragma foreign_keys = off; pragma trusted_schema = off; pragma cell_size_check = on;"
     "pragma synchronous = full; pragma wal_autocheckpoint = 16384;"
-    "pragma temp_store = memory; pragma cache_size = -16384;";
+    "pragma temp_store = file; pragma cache_size = -16384;";
 // SQLITE_BloomFilter and SQLITE_SimplifyJoin among the optimizations of SQLite, which its header
 // does not publish.
 constexpr int kBloomFilter = 0x00080000;
