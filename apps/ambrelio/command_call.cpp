@@ -10,7 +10,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] =
+constexpr char kCallDescription[] =
     R"help(Calls one member of the object model and prints what it gives.
 
 Examples:
@@ -81,7 +81,7 @@ void RunCall(const CallOptions& options, Context& context) {
 }  // namespace
 
 void AddCall(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("call", kDescription);
+  CLI::App* command = app.add_subcommand("call", kCallDescription);
   auto options = std::make_shared<CallOptions>();
   AddMillOptions(*command, options->mill)->required();
   command->add_option("PATH", options->path, "The member, as Deposito(3).Nivel(4).Litros")

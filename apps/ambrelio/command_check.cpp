@@ -9,7 +9,8 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Checks a database file, and prints what is wrong with it.
+constexpr char kCheckDescription[] =
+    R"help(Checks a database file, and prints what is wrong with it.
 
 Examples:
   ambrelio check oliva.mdb
@@ -69,7 +70,7 @@ void RunCheck(const CheckOptions& options, Context& context) {
 }  // namespace
 
 void AddCheck(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("check", kDescription);
+  CLI::App* command = app.add_subcommand("check", kCheckDescription);
   auto options = std::make_shared<CheckOptions>();
   command->add_option("FILE", options->file, "The database")->required();
   command->add_option("--password", options->password, "Password of FILE");

@@ -7,7 +7,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] =
+constexpr char kConvertDescription[] =
     R"help(Copies a database into a new file, of its own form or the other.
 
 Examples:
@@ -50,7 +50,7 @@ void RunConvert(const ConvertOptions& options, Context& context) {
 }  // namespace
 
 void AddConvert(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("convert", kDescription);
+  CLI::App* command = app.add_subcommand("convert", kConvertDescription);
   auto options = std::make_shared<ConvertOptions>();
   command->add_option("FROM", options->from, "The database that is copied")->required();
   command->add_option("TO", options->to, "The new file")->required();

@@ -13,7 +13,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Creates the database of a mill.
+constexpr char kCreateDescription[] = R"help(Creates the database of a mill.
 
 Examples:
   ambrelio create --app C:\almazara
@@ -137,7 +137,7 @@ void RunCreate(const CreateOptions& options, Context& context) {
 }  // namespace
 
 void AddCreate(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("create", kDescription);
+  CLI::App* command = app.add_subcommand("create", kCreateDescription);
   auto options = std::make_shared<CreateOptions>();
   AddMillOptions(*command, options->mill)->required();
   command

@@ -5,7 +5,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Prints the tanks of a mill, or one of them.
+constexpr char kDepositoDescription[] = R"help(Prints the tanks of a mill, or one of them.
 
 Examples:
   ambrelio deposito --app mill
@@ -78,7 +78,7 @@ Report AskTank(Mill& mill, const TankOptions& options) {
 }  // namespace
 
 void AddDeposito(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("deposito", kDescription);
+  CLI::App* command = app.add_subcommand("deposito", kDepositoDescription);
   auto options = std::make_shared<TankOptions>();
   auto* number = command->add_option("N", options->number, "The tank");
   auto* history =

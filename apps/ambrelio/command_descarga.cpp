@@ -5,7 +5,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Prints the discharges of a hopper, or one of them.
+constexpr char kDescargaDescription[] = R"help(Prints the discharges of a hopper, or one of them.
 
 Examples:
   ambrelio descarga --app mill 2
@@ -45,7 +45,7 @@ Report AskDischarge(Mill& mill, const DischargeOptions& options) {
 }  // namespace
 
 void AddDescarga(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("descarga", kDescription);
+  CLI::App* command = app.add_subcommand("descarga", kDescargaDescription);
   auto options = std::make_shared<DischargeOptions>();
   command->add_option("TOLVA", options->hopper, "The hopper")->required();
   auto* number = command->add_option("N", options->number, "The discharge");

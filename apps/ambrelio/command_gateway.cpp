@@ -13,7 +13,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] =
+constexpr char kGatewayDescription[] =
     R"help(Answers requests for tank levels as a mill's gateway of sensors would.
 
 Examples:
@@ -90,7 +90,7 @@ void RunGateway(const GatewayOptions& options, Console& console) {
 }  // namespace
 
 void AddGateway(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("gateway", kDescription);
+  CLI::App* command = app.add_subcommand("gateway", kGatewayDescription);
   auto options = std::make_shared<GatewayOptions>();
   command->add_option("--port", options->port, "The UDP port to listen at")
       ->required()

@@ -6,7 +6,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Prints a history of the whole mill.
+constexpr char kHistoriaDescription[] = R"help(Prints a history of the whole mill.
 
 Examples:
   ambrelio historia descargas --app mill --desde 2025-11-01 --hasta 2025-11-30
@@ -79,7 +79,7 @@ void RunHistory(const HistoryOptions& options, Context& context) {
 }  // namespace
 
 void AddHistoria(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("historia", kDescription);
+  CLI::App* command = app.add_subcommand("historia", kHistoriaDescription);
   auto options = std::make_shared<HistoryOptions>();
   command->add_option("KIND", options->kind, "Which history")
       ->required()

@@ -8,7 +8,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] =
+constexpr char kJournalDescription[] =
     R"help(Replays a journal: the events of a mill, one JSON object a line.
 
 Examples:
@@ -67,7 +67,7 @@ void RunJournal(const JournalOptions& options, Context& context) {
 }  // namespace
 
 void AddJournal(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("journal", kDescription);
+  CLI::App* command = app.add_subcommand("journal", kJournalDescription);
   auto options = std::make_shared<JournalOptions>();
   AddMillOptions(*command, options->mill)->required();
   command->add_option("FILE", options->file, "The journal, or - for standard input")->required();

@@ -7,7 +7,8 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Encodes the password of a database, or checks a stored one.
+constexpr char kPasswordDescription[] =
+    R"help(Encodes the password of a database, or checks a stored one.
 
 Examples:
   ambrelio password --encode < password.txt
@@ -130,7 +131,7 @@ void CheckMill(const PasswordOptions& options, Context& context) {
 }  // namespace
 
 void AddPassword(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("password", kDescription);
+  CLI::App* command = app.add_subcommand("password", kPasswordDescription);
   auto options = std::make_shared<PasswordOptions>();
   auto* encode = command->add_option("--encode", options->text, "Encode that password")
                      ->type_name("TEXT")

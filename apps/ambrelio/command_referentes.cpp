@@ -8,7 +8,8 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Prints the clients or the carriers of a mill, or one of them.
+constexpr char kReferentesDescription[] =
+    R"help(Prints the clients or the carriers of a mill, or one of them.
 
 Examples:
   ambrelio referentes clientes --app mill --por-nombre
@@ -55,7 +56,7 @@ Report AskReferents(Mill& mill, const ReferentOptions& options) {
 }  // namespace
 
 void AddReferentes(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("referentes", kDescription);
+  CLI::App* command = app.add_subcommand("referentes", kReferentesDescription);
   auto options = std::make_shared<ReferentOptions>();
   command->add_option("KIND", options->kind, "Which catalogue")
       ->required()

@@ -17,7 +17,8 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Polls the level sensors of a mill and shows what they answer.
+constexpr char kSensorsDescription[] =
+    R"help(Polls the level sensors of a mill and shows what they answer.
 
 Examples:
   ambrelio sensors --app mill
@@ -183,7 +184,7 @@ void RunSensors(const SensorsOptions& options, Context& context) {
 }  // namespace
 
 void AddSensors(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("sensors", kDescription);
+  CLI::App* command = app.add_subcommand("sensors", kSensorsDescription);
   auto options = std::make_shared<SensorsOptions>();
   AddMillOptions(*command, options->mill)->required();
   command->add_option("--seconds", options->seconds, "End after so many seconds")

@@ -14,7 +14,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Runs one SQL statement on a database.
+constexpr char kSqlDescription[] = R"help(Runs one SQL statement on a database.
 
 Examples:
   ambrelio sql --app mill "select * from Depositos"
@@ -119,7 +119,7 @@ void RunSql(const SqlOptions& options, Context& context) {
 }  // namespace
 
 void AddSql(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("sql", kDescription);
+  CLI::App* command = app.add_subcommand("sql", kSqlDescription);
   auto options = std::make_shared<SqlOptions>();
   AddMillOptions(*command, options->mill);
   command->add_option("FILE", options->file, "The database; not with --app");

@@ -5,7 +5,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Prints the hoppers of a mill, or one of them.
+constexpr char kTolvaDescription[] = R"help(Prints the hoppers of a mill, or one of them.
 
 Examples:
   ambrelio tolva --app mill
@@ -58,7 +58,7 @@ Report AskHopper(Mill& mill, const HopperOptions& options) {
 }  // namespace
 
 void AddTolva(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("tolva", kDescription);
+  CLI::App* command = app.add_subcommand("tolva", kTolvaDescription);
   auto options = std::make_shared<HopperOptions>();
   auto* number = command->add_option("N", options->number, "The hopper");
   auto* history =

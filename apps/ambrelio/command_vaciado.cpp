@@ -6,7 +6,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Prints the emptyings of a tank, or one of them.
+constexpr char kVaciadoDescription[] = R"help(Prints the emptyings of a tank, or one of them.
 
 Examples:
   ambrelio vaciado --app mill 3
@@ -68,7 +68,7 @@ Report AskEmptying(Mill& mill, const EmptyingOptions& options) {
 }  // namespace
 
 void AddVaciado(CLI::App& app, Context& context) {
-  CLI::App* command = app.add_subcommand("vaciado", kDescription);
+  CLI::App* command = app.add_subcommand("vaciado", kVaciadoDescription);
   auto options = std::make_shared<EmptyingOptions>();
   command->add_option("DEPOSITO", options->tank, "The tank")->required();
   auto* number = command->add_option("N", options->number, "The emptying");

@@ -23,4 +23,9 @@ class Failure : public std::runtime_error {
   ExitCode code_;
 };
 
+// Ends a command whose input is malformed.
+[[noreturn]] inline void FailInput(const std::string& problem) {
+  throw Failure(ExitCode::kWrongInput, problem);
+}
+
 }  // namespace ambrelio::cli

@@ -25,7 +25,7 @@ std::optional<int16_t> RequestedTank(std::string_view request) {
   return error == std::errc() && read == end ? std::optional(tank) : std::nullopt;
 }
 
-std::string TextOf(const Endpoint& endpoint) {
+std::string EndpointText(const Endpoint& endpoint) {
   return fmt::format("{}:{}", endpoint.host, endpoint.port);
 }
 
@@ -56,7 +56,7 @@ void Gateway::Listen(const Endpoint& local) {
 void Gateway::Receive(const std::string& bytes, const Endpoint& sender) {
   const std::optional<int16_t> tank = RequestedTank(bytes);
   if (!tank) {
-    listener_.problem(fmt::format("no request from {}: {}", TextOf(sender), Quoted(bytes)));
+    listener_.problem(fmt::format("no request from {}: {}", EndpointText(sender), Quoted(bytes)));
     return;
   }
   ++requests_;
@@ -81,8 +81,8 @@ void Gateway::Send(const GatewayAnswer& answer, const Endpoint& sender) {
   try {
     for (int32_t i = 0; i < answer.copies; ++i) socket_->Send(sender, answer.bytes);
   } catch (const AutomationError& error) {
-    listener_.problem(fmt::format("an answer to {} cannot be sent: error {}: {}", TextOf(sender),
-                                  error.number(), error.description()));
+    listener_.problem(fmt::format("an answer to {} cannot be sent: error {}: {}",
+                                  EndpointText(sender), error.number(), error.description()));
   }
 }
 

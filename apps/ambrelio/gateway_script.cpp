@@ -18,29 +18,19 @@ namespace {
 constexpr int32_t kMostTanks = std::numeric_limits<int16_t>::max();
 constexpr int32_t kMostCopies = 1000;
 
-[[noreturn]] void Fail(const std::string& problem) {
-  throw Failure(ExitCode::kWrongInput, problem);
-}
-
 int32_t WholeNumber(const Json& line, const char* key, int32_t least, int32_t most) {
   const Variant number = ToVariant(line.at(key));
   if (number.type() != VariantType::kLong || number.as<int32_t>() < least ||
       number.as<int32_t>() > most) {
-    Fail(fmt::format("\"{}\" must be a whole number from {} to {}", key, least, most));
+    FailInput(fmt::format("\"{}\" must be a whole number from {} to {}", key, least, most));
   }
   return number.as<int32_t>();
-}
-
-const std::string& TextOf(const Json& line, const char* key) {
-  const Json& value = line.at(key);
-  if (!value.is_string()) Fail(fmt::format("\"{}\" must be text", key));
-  return value.get_ref<const std::string&>();
 }
 
 std::string AnswerBytes(const std::string& text) {
   std::string bytes = Utf8ToWindows1252(text);
   if (Windows1252ToUtf8(bytes) != text) {
-    Fail(R"("answer" has a character that Windows-1252 does not have)");
+    FailInput(R"("answer" has a character that Windows-1252 does not have)");
   }
   return bytes;
 }
@@ -49,12 +39,12 @@ int HexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  Fail(R"("bytes" must be hexadecimal digits)");
+  FailInput(R"("bytes" must be hexadecimal digits)");
 }
 
 std::string HexBytes(const std::string& digits) {
   constexpr int kBase = 16;
-  if (digits.size() % 2 != 0) Fail(R"("bytes" must be two digits for each byte)");
+  if (digits.size() % 2 != 0) FailInput(R"("bytes" must be two digits for each byte)");
   std::string bytes;
   for (size_t i = 0; i < digits.size(); i += 2) {
     bytes += static_cast<char>(HexDigit(digits[i]) * kBase + HexDigit(digits[i + 1]));
@@ -77,10 +67,10 @@ const char* KindOf(const Json& line) {
   const char* kind = nullptr;
   for (const char* key : {"answer", "bytes", "silence"}) {
     if (!line.contains(key)) continue;
-    if (kind != nullptr) Fail(fmt::format("both \"{}\" and \"{}\" are given", kind, key));
+    if (kind != nullptr) FailInput(fmt::format("both \"{}\" and \"{}\" are given", kind, key));
     kind = key;
   }
-  if (kind == nullptr) Fail(R"(one of "answer", "bytes" and "silence" is needed)");
+  if (kind == nullptr) FailInput(R"(one of "answer", "bytes" and "silence" is needed)");
   return kind;
 }
 
@@ -88,7 +78,7 @@ void CheckKeys(const Json& line, const std::string& kind) {
   for (const auto& [key, value] : line.items()) {
     const bool shapes_answer = kind != "silence" && (key == "delay" || key == "copies");
     if (key == "tank" || key == kind || shapes_answer) continue;
-    Fail(fmt::format("the key \"{}\" is unknown beside \"{}\"", key, kind));
+    FailInput(fmt::format("the key \"{}\" is unknown beside \"{}\"", key, kind));
   }
 }
 
@@ -97,7 +87,7 @@ GatewayAnswer ParseAnswer(const Json& line) {
   CheckKeys(line, kind);
   GatewayAnswer answer;
   if (kind == "silence") {
-    if (line["silence"] != true) Fail(R"("silence" must be true)");
+    if (line["silence"] != true) FailInput(R"("silence" must be true)");
     answer.copies = 0;
     return answer;
   }
@@ -137,8 +127,8 @@ JournalLine ParseReading(const std::string& text) {
   try {
     return ParseJournalLine(text);
   } catch (const Failure& failure) {
-    Fail(fmt::format("neither an answer (\"tank\" is missing) nor a line of a journal: {}",
-                     failure.what()));
+    FailInput(fmt::format("neither an answer (\"tank\" is missing) nor a line of a journal: {}",
+                          failure.what()));
   }
 }
 
@@ -153,7 +143,7 @@ void AddReading(GatewayScript& script, const std::string& text) {
 
 void AddLine(GatewayScript& script, const std::string& text) {
   const Json line = ParseJson(text);
-  if (!line.is_object()) Fail("a line must be a JSON object");
+  if (!line.is_object()) FailInput("a line must be a JSON object");
   if (!line.contains("tank")) {
     AddReading(script, text);
     return;

@@ -13,10 +13,6 @@
 namespace ambrelio::cli {
 namespace {
 
-[[noreturn]] void Fail(const std::string& problem) {
-  throw Failure(ExitCode::kWrongInput, problem);
-}
-
 // An action's key, with the keys that may stand beside it and the one that must.
 struct ActionKey {
   const char* name;
@@ -42,35 +38,29 @@ const ActionKey& FindAction(const Json& line) {
   for (const ActionKey& action : kActions) {
     if (!line.contains(action.name)) continue;
     if (found != nullptr) {
-      Fail(std::string("both \"") + found->name + "\" and \"" + action.name + "\" are given");
+      FailInput(std::string("both \"") + found->name + "\" and \"" + action.name + "\" are given");
     }
     found = &action;
   }
-  if (found == nullptr) Fail(R"(one of "pesada", "call", "let", "wait" and "sql" is needed)");
+  if (found == nullptr) FailInput(R"(one of "pesada", "call", "let", "wait" and "sql" is needed)");
   return *found;
 }
 
 void CheckKeys(const Json& line, const ActionKey& action) {
   for (const auto& [key, value] : line.items()) {
     if (action.Takes(key)) continue;
-    Fail("the key \"" + key + "\" is unknown in a \"" + action.name + "\" line");
+    FailInput("the key \"" + key + "\" is unknown in a \"" + action.name + "\" line");
   }
   if (action.required != nullptr && !line.contains(action.required)) {
-    Fail(std::string("\"") + action.required + "\" is missing");
+    FailInput(std::string("\"") + action.required + "\" is missing");
   }
-}
-
-const std::string& TextOf(const Json& line, const char* key) {
-  const Json& value = line.at(key);
-  if (!value.is_string()) Fail(std::string("\"") + key + "\" must be text");
-  return value.get_ref<const std::string&>();
 }
 
 std::optional<OleDate> MomentOf(const Json& line) {
   if (!line.contains("m")) return std::nullopt;
   const std::string& text = TextOf(line, "m");
   const std::optional<OleDate> moment = OleDate::FromIso(text);
-  if (!moment) Fail("\"m\" is no moment of the form YYYY-MM-DD HH:MM:SS: \"" + text + "\"");
+  if (!moment) FailInput("\"m\" is no moment of the form YYYY-MM-DD HH:MM:SS: \"" + text + "\"");
   return moment;
 }
 
@@ -105,9 +95,9 @@ std::string NameToKeep(const Json& line) {
   const bool is_name =
       !name.empty() && !IsDigit(name[0]) &&
       std::all_of(name.begin(), name.end(), [&](char c) { return IsDigit(c) || is_letter(c); });
-  if (!is_name) Fail("\"as\" must be a name of letters, digits and _: \"" + name + "\"");
+  if (!is_name) FailInput("\"as\" must be a name of letters, digits and _: \"" + name + "\"");
   if (automation::SameName(name, "Trazabilidad") || IsRootMember(ReadPath(name).front().name)) {
-    Fail("\"as\" must not be a name of the object model: \"" + name + "\"");
+    FailInput("\"as\" must not be a name of the object model: \"" + name + "\"");
   }
   return name;
 }
@@ -115,11 +105,11 @@ std::string NameToKeep(const Json& line) {
 WeighingLine ParseWeighing(const Json& line) {
   const Json& columns = line.at("pesada");
   if (!columns.is_object() || columns.empty()) {
-    Fail(R"("pesada" must be an object of columns and values)");
+    FailInput(R"("pesada" must be an object of columns and values)");
   }
   WeighingLine weighing;
   for (const auto& [name, value] : columns.items()) {
-    if (value.is_structured()) Fail("the column \"" + name + "\" must be a plain value");
+    if (value.is_structured()) FailInput("the column \"" + name + "\" must be a plain value");
     weighing.columns.emplace_back(name, ToVariant(value));
   }
   return weighing;
@@ -128,7 +118,7 @@ WeighingLine ParseWeighing(const Json& line) {
 CallLine ParseCall(const Json& line) {
   automation::Arguments arguments;
   if (line.contains("args")) {
-    if (!line["args"].is_array()) Fail(R"("args" must be a list)");
+    if (!line["args"].is_array()) FailInput(R"("args" must be a list)");
     for (const Json& value : line["args"]) {
       arguments.push_back(value.is_null() ? std::nullopt : std::optional(ValueOf(value)));
     }
@@ -148,7 +138,7 @@ LetLine ParseLet(const Json& line) {
 WaitLine ParseWait(const Json& line) {
   const Variant time = ToVariant(line.at("wait"));
   if (time.type() != VariantType::kLong || time.as<int32_t>() < 0) {
-    Fail(R"("wait" must be whole milliseconds from 0 to 2147483647)");
+    FailInput(R"("wait" must be whole milliseconds from 0 to 2147483647)");
   }
   return {time.as<int32_t>()};
 }
@@ -158,14 +148,14 @@ WaitLine ParseWait(const Json& line) {
 CallLine MakeCall(automation::Path path, automation::Arguments beside) {
   automation::Arguments inside = std::exchange(path.back().arguments, {});
   if (!inside.empty() && !beside.empty()) {
-    Fail("arguments stand both in the path and beside it");
+    FailInput("arguments stand both in the path and beside it");
   }
   return {std::move(path), inside.empty() ? std::move(beside) : std::move(inside)};
 }
 
 JournalLine ParseJournalLine(std::string_view text) {
   const Json line = ParseJson(text);
-  if (!line.is_object()) Fail("a line must be a JSON object");
+  if (!line.is_object()) FailInput("a line must be a JSON object");
   const ActionKey& action = FindAction(line);
   CheckKeys(line, action);
   JournalLine parsed;

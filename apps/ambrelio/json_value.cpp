@@ -15,10 +15,6 @@ namespace {
 
 constexpr int kMostLevels = 64;
 
-[[noreturn]] void Fail(const std::string& problem) {
-  throw Failure(ExitCode::kWrongInput, problem);
-}
-
 // The double that prints as the float does: 0.1, not 0.10000000149011612.
 double Widen(float value) {
   std::array<char, 32> text{};
@@ -60,9 +56,9 @@ Variant ObjectToVariant(const Json& json, const ReferenceReader& references) {
   if (json == empty) return {};
   if (json == nothing) return Variant::Nothing();
   if (references && IsReference(json)) return references(json["ref"].get<std::string>());
-  Fail("the object " + JsonLine(json) + " is no value; the only ones are " +
-       (references ? R"({"empty":true}, {"nothing":true} and {"ref":"name"})"
-                   : R"({"empty":true} and {"nothing":true})"));
+  FailInput("the object " + JsonLine(json) + " is no value; the only ones are " +
+            (references ? R"({"empty":true}, {"nothing":true} and {"ref":"name"})"
+                        : R"({"empty":true} and {"nothing":true})"));
 }
 
 }  // namespace
@@ -118,15 +114,15 @@ Variant ToVariant(const Json& json, const ReferenceReader& references) {
 
 Json ParseJson(std::string_view text) {
   // To the library a NUL is the end of the text, whatever follows.
-  if (text.find('\0') != std::string_view::npos) Fail("not JSON: there is a NUL character");
+  if (text.find('\0') != std::string_view::npos) FailInput("not JSON: there is a NUL character");
   std::vector<std::set<std::string>> keys;  // of each object that is open
   const auto check = [&keys](int depth, Json::parse_event_t event, const Json& parsed) {
-    if (depth > kMostLevels) Fail("the JSON is nested too deeply");
+    if (depth > kMostLevels) FailInput("the JSON is nested too deeply");
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key &&
         !keys.back().insert(parsed.get<std::string>()).second) {
-      Fail("the key " + JsonLine(parsed) + " is given twice");
+      FailInput("the key " + JsonLine(parsed) + " is given twice");
     }
     return true;
   };
@@ -135,8 +131,14 @@ Json ParseJson(std::string_view text) {
   } catch (const Json::exception& error) {
     // The library's own prefix ("[json.exception.parse_error.101] ") says nothing to a reader.
     const std::string what = error.what();
-    Fail("not JSON: " + what.substr(what.find("] ") + 2));
+    FailInput("not JSON: " + what.substr(what.find("] ") + 2));
   }
+}
+
+const std::string& TextOf(const Json& object, const char* key) {
+  const Json& value = object.at(key);
+  if (!value.is_string()) FailInput(std::string("\"") + key + "\" must be text");
+  return value.get_ref<const std::string&>();
 }
 
 std::string JsonLine(const Json& json) {

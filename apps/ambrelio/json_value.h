@@ -35,6 +35,9 @@ Variant ToVariant(const Json& json, const ReferenceReader& references = nullptr)
 // nesting beyond reason.
 Json ParseJson(std::string_view text);
 
+// The text that an object has under a key. Raises Failure (wrong input) for another value.
+const std::string& TextOf(const Json& object, const char* key);
+
 // One line without its end; bytes that are no UTF-8 become U+FFFD.
 std::string JsonLine(const Json& json);
 

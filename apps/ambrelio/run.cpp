@@ -12,7 +12,7 @@
 namespace ambrelio::cli {
 namespace {
 
-constexpr char kDescription[] = R"help(Ambrelio keeps the traceability of an olive-oil mill.
+constexpr char kProgramDescription[] = R"help(Ambrelio keeps the traceability of an olive-oil mill.
 
 Examples:
   ambrelio create --app mill --masters examples/campana
@@ -70,7 +70,7 @@ ExitCode TellParseError(const CLI::App& app, const CLI::ParseError& error, Conso
 }  // namespace
 
 void Declare(CLI::App& app, Context& context) {
-  app.description(kDescription);
+  app.description(kProgramDescription);
   app.set_version_flag("--version", "ambrelio " AMBRELIO_VERSION);
   app.add_option("--trace", context.trace_path,
                  "Write every statement sent to the engine to a file, one JSON object a line")

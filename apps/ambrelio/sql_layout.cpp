@@ -13,9 +13,9 @@ constexpr std::array<std::string_view, 12> kClauses = {
     "SELECT ", "FROM ",  "LEFT JOIN ", "JOIN ", "WHERE ",    "GROUP BY ",
     "HAVING ", "UNION ", "VALUES ",    "SET ",  "ORDER BY ", "LIMIT "};
 
-class Layout {
+class SqlLayout {
  public:
-  explicit Layout(std::string_view sql) : rest_(sql) {}
+  explicit SqlLayout(std::string_view sql) : rest_(sql) {}
 
   std::string Make() {
     while (!rest_.empty()) Go();
@@ -87,6 +87,6 @@ class Layout {
 
 }  // namespace
 
-std::string LaidOutSql(std::string_view sql) { return Layout(sql).Make(); }
+std::string LaidOutSql(std::string_view sql) { return SqlLayout(sql).Make(); }
 
 }  // namespace ambrelio::cli

@@ -17,9 +17,9 @@ std::string_view FirstWord(std::string_view sql) {
 }
 
 bool IsAction(std::string_view sql) {
-  constexpr std::array kActions = {"insert", "update", "delete", "create", "alter", "drop"};
+  constexpr std::array kActionWords = {"insert", "update", "delete", "create", "alter", "drop"};
   const std::string_view word = FirstWord(sql);
-  return std::any_of(kActions.begin(), kActions.end(), [word](std::string_view action) {
+  return std::any_of(kActionWords.begin(), kActionWords.end(), [word](std::string_view action) {
     return EqualsIgnoringAsciiCase(word, action);
   });
 }

@@ -1,6 +1,7 @@
 #include <limits>
 
 #include "ambrelio/hoppers/tolva.h"
+#include "hoppers/sent.h"
 #include "support/mill.h"
 
 namespace ambrelio {
@@ -41,7 +42,6 @@ class TolvaDescargar : public test::MillTest {
   Tolva hopper{session, 3};
 };
 
-const char kSelectLast[] = "select * from Descargas where (Tolva=3) order by Descarga ";
 const char kClose[] =
     "update Descargas set Deposito= 5, MomentoHasta= #11/15/2026 8:0:0#, Molino= 2, "
     "Fraccion= 1.00000000 where (TOLVA=3) and (DESCARGA=17)  and (Deposito=0) ";

@@ -1,4 +1,5 @@
 #include "ambrelio/hoppers/tolva.h"
+#include "hoppers/sent.h"
 #include "support/mill.h"
 
 namespace ambrelio {
@@ -34,7 +35,6 @@ class TolvaRestaurarCarga : public test::MillTest {
   std::string before_;
 };
 
-const char kSelectLast[] = "select * from Descargas where (Tolva=3) order by Descarga ";
 const char kDelete[] = "delete from Descargas where (TOLVA=3) and (DESCARGA=18) ";
 const char kSelectEmptied[] = "select max(mmto) from Vaciados where Deposito=5";
 const char kReopen[] =

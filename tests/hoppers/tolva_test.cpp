@@ -2,6 +2,7 @@
 #include "ambrelio/hoppers/tolva.h"
 
 #include "ambrelio/hoppers/descarga.h"
+#include "hoppers/sent.h"
 #include "support/mill.h"
 
 namespace ambrelio {
@@ -22,7 +23,6 @@ class TolvaTest : public test::MillTest {
 };
 
 const char kSelectMax[] = "select max(Descarga) from Descargas where Tolva=3 ";
-const char kSelectLast[] = "select * from Descargas where (Tolva=3) order by Descarga ";
 const char kInsertFirst[] =
     "insert into Descargas (Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, Fraccion) "
     "values (3, 1, #11/15/2026 8:0:0#, Null, 0, Null) ";

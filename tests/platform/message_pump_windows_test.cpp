@@ -59,14 +59,14 @@ TEST_F(MessagePumpTest, DeliversTimersFromBeforeItsOpening) {
 }
 
 TEST_F(MessagePumpTest, DeliversDatagramsAllOfThem) {
-  constexpr size_t kCount = 250;  // more than are delivered at once
+  constexpr size_t kDatagrams = 250;  // more than are delivered at once
   const auto receiver = MakeUdpSocket(loop);
   const auto sender = MakeUdpSocket(loop);
   size_t received = 0;
   receiver->Bind({"127.0.0.1", 0}, [&](const std::string&, const Endpoint&) { ++received; });
   sender->Bind({"127.0.0.1", 0}, [](const std::string&, const Endpoint&) {});
-  for (size_t i = 0; i < kCount; ++i) sender->Send({"127.0.0.1", receiver->LocalPort()}, "x");
-  EXPECT_TRUE(DispatchUntil([&] { return received == kCount; })) << received;
+  for (size_t i = 0; i < kDatagrams; ++i) sender->Send({"127.0.0.1", receiver->LocalPort()}, "x");
+  EXPECT_TRUE(DispatchUntil([&] { return received == kDatagrams; })) << received;
 }
 
 TEST_F(MessagePumpTest, DropsWhatAHandlerRaises) {

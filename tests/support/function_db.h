@@ -10,9 +10,12 @@
 
 #include "ambrelio/engine/embedded/functions/functions.h"
 #include "ambrelio/value/automation_error.h"
+#include "ambrelio/value/locale.h"
 #include "ambrelio/value/ole_date.h"
 
 namespace ambrelio::embedded {
+
+inline constexpr Locale kSpanish = {',', '.', DateOrder::kDayMonthYear};
 
 class FunctionDb {
  public:

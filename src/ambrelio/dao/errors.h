@@ -107,8 +107,23 @@ enum class DaoError : int {
   kTypeMismatchInCondition = 3464,
 };
 
+// The classes that DAO names as the source of an error.
+namespace source {
+inline constexpr const char* kDatabase = "DAO.Database";
+inline constexpr const char* kField = "DAO.Field";
+inline constexpr const char* kFields = "DAO.Fields";
+inline constexpr const char* kIndex = "DAO.Index";
+inline constexpr const char* kIndexes = "DAO.Indexes";
+inline constexpr const char* kQueryDef = "DAO.QueryDef";
+inline constexpr const char* kQueryDefs = "DAO.QueryDefs";
+inline constexpr const char* kRecordset = "DAO.Recordset";
+inline constexpr const char* kTableDef = "DAO.TableDef";
+inline constexpr const char* kTableDefs = "DAO.TableDefs";
+inline constexpr const char* kWorkspace = "DAO.Workspace";
+}  // namespace source
+
 // Throws the AutomationError of `error`; `detail` (a name, a piece of SQL) is set into the
-// sentence. `source` is the class that failed, as "DAO.Database".
+// sentence. `source` is the class that failed.
 [[noreturn]] void Raise(DaoError error, const std::string& source, const std::string& detail = {});
 
 }  // namespace ambrelio::dao

@@ -11,7 +11,7 @@ void RequireOpenDatabase(const Session& session) {
   if (session.IsOpen()) return;
   const dao::Database& closed = session.Database();  // 91 without one
   static_cast<void>(closed);
-  dao::Raise(dao::DaoError::kObjectClosed, "DAO.Database");
+  dao::Raise(dao::DaoError::kObjectClosed, dao::source::kDatabase);
 }
 
 }  // namespace

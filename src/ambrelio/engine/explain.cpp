@@ -8,7 +8,7 @@ namespace ambrelio::engine {
 embedded::Explanation Explain(dao::Database& database, const std::string& source) {
   auto* const explained = dynamic_cast<embedded::Database*>(&database);
   if (explained == nullptr) {
-    dao::Raise(dao::DaoError::kNotSupported, "DAO.Database",
+    dao::Raise(dao::DaoError::kNotSupported, dao::source::kDatabase,
                "Only the embedded engine explains a statement.");
   }
   return explained->Explain(source);

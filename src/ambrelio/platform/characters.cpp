@@ -71,4 +71,6 @@ void AppendCharacter(std::string& text, char32_t character) {
 std::string LowerCase(std::string_view text) { return Changed<ToLower>(text); }
 std::string UpperCase(std::string_view text) { return Changed<ToUpper>(text); }
 
+bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == UpperCase(b); }
+
 }  // namespace ambrelio

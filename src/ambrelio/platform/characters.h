@@ -82,5 +82,7 @@ constexpr char32_t ToUpper(char32_t character) {
 // Every letter in the other case; what is no UTF-8 stays.
 std::string LowerCase(std::string_view text);
 std::string UpperCase(std::string_view text);
+// Whether two texts differ in case at most.
+bool SameText(std::string_view a, std::string_view b);
 
 }  // namespace ambrelio

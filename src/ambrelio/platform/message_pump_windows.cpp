@@ -16,7 +16,7 @@ constexpr UINT kSocketMessage = WM_APP;
 // With more events than these waiting, the host's other messages get their turn first.
 constexpr int kEventsAtOnce = 100;
 // A timer further away than this is looked at again then.
-constexpr Milliseconds kLongestWait(USER_TIMER_MAXIMUM);
+constexpr Milliseconds kLongestTimer(USER_TIMER_MAXIMUM);
 
 SOCKET Native(EventLoop::SocketHandle socket) { return static_cast<SOCKET>(socket); }
 
@@ -92,7 +92,7 @@ void MessagePump::MakeWindow() {
 
 void MessagePump::SetTimerFor(Milliseconds rest) {
   MakeWindow();
-  const Milliseconds wait = std::min(rest, kLongestWait);
+  const Milliseconds wait = std::min(rest, kLongestTimer);
   ::SetTimer(window_, kTimer, static_cast<UINT>(wait.count()), nullptr);
 }
 

@@ -13,9 +13,6 @@ namespace ambrelio {
 namespace {
 
 constexpr double kCurrencyUnit = 10000;
-// The days of 1 January 100 and of 1 January 10000.
-constexpr double kFirstDay = -657434;
-constexpr double kEndOfDays = 2958466;
 
 // The nearest whole number, an exact half to the even neighbour, whatever the processor's rounding
 // mode is in the process that loaded the library.
@@ -101,7 +98,7 @@ OleDate ToDate(const Variant& value) {
     return *date;
   }
   double days = ToDouble(value);
-  if (!(days > kFirstDay - 1 && days < kEndOfDays)) Raise(RuntimeError::kOverflow);
+  if (!OleDate::IsMoment(days)) Raise(RuntimeError::kOverflow);
   return OleDate::FromDays(days);
 }
 

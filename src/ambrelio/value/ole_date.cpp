@@ -15,9 +15,6 @@ using std::chrono::year_month_day;
 
 constexpr int kSecondsOfDay = 86400;
 constexpr sys_days kZeroDay{std::chrono::year(1899) / 12 / 30};
-// 1 January 100 and 31 December 9999.
-constexpr int kFirstDay = -657434;
-constexpr int kLastDay = 2958465;
 
 // The one place where a moment becomes a number of days: equal moments are then equal doubles,
 // wherever they came from.
@@ -32,12 +29,12 @@ struct DayAndSecond {
 };
 
 DayAndSecond Split(double days) {
-  if (!(days > kFirstDay - 1 && days < kLastDay + 1)) Raise(RuntimeError::kOverflow);
+  if (!OleDate::IsMoment(days)) Raise(RuntimeError::kOverflow);
   double whole = std::trunc(days);
   DayAndSecond parts = {static_cast<int>(whole),
                         static_cast<int>(std::lround(std::abs(days - whole) * kSecondsOfDay))};
   if (parts.second == kSecondsOfDay) {
-    if (parts.day == kLastDay) Raise(RuntimeError::kOverflow);
+    if (parts.day == OleDate::kLastDay) Raise(RuntimeError::kOverflow);
     parts = {parts.day + 1, 0};
   }
   return parts;

@@ -24,6 +24,14 @@ struct CivilTime {
 
 class OleDate {
  public:
+  // 1 January 100 and 31 December 9999.
+  static constexpr int kFirstDay = -657434;
+  static constexpr int kLastDay = 2958465;
+  // Whether a number of days lies in these; the fraction counts forward, before the zero date too.
+  static constexpr bool IsMoment(double days) {
+    return days > kFirstDay - 1 && days < kLastDay + 1;
+  }
+
   // The zero date, 30 December 1899 00:00:00: what an unset moment reads as.
   constexpr OleDate() = default;
 

@@ -4,14 +4,13 @@
 
 #include "ambrelio/engine/jetfile/properties.h"
 #include "ambrelio/engine/jetfile/table_schema.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/schema_test.h"
 
 namespace ambrelio::jetfile {
 namespace {
 
 using enum ColumnType;
-
-constexpr int kNotInCollection = 3265;
 
 uint32_t TableOf(JetFile& file) {
   return CreateTable(file, "T", {Column("n", kLong), Column("año", kText, 20)}, {}, kNow);

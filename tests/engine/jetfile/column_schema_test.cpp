@@ -6,6 +6,7 @@
 #include "ambrelio/engine/jetfile/column_rules.h"
 #include "ambrelio/engine/jetfile/index_schema.h"
 #include "ambrelio/engine/jetfile/table_schema.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/schema_test.h"
 
 namespace ambrelio::jetfile {
@@ -13,18 +14,7 @@ namespace {
 
 using enum ColumnType;
 
-constexpr int kInvalidName = 3125;
-constexpr int kTooManyFields = 3190;
-constexpr int kFieldExists = 3191;
-constexpr int kInvalidFieldType = 3259;
-constexpr int kNothingDefined = 3264;
-constexpr int kNotInCollection = 3265;
-constexpr int kFieldInIndex = 3280;
-constexpr int kInRelationship = 3281;
-
 using Rows = std::vector<std::vector<Variant>>;
-
-const Variant kNull = Variant::Null();
 
 std::vector<std::string> NamesOf(const JetFile& file, uint32_t table) {
   std::vector<std::string> names;

@@ -7,21 +7,13 @@
 #include "ambrelio/engine/jetfile/catalogue.h"
 #include "ambrelio/engine/jetfile/general_order.h"
 #include "ambrelio/engine/jetfile/table_schema.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/schema_test.h"
 
 namespace ambrelio::jetfile {
 namespace {
 
 using enum ColumnType;
-
-constexpr int kDuplicateKey = 3022;
-constexpr int kNullInKey = 3058;
-constexpr int kNotSupported = 3251;
-constexpr int kNotInCollection = 3265;
-constexpr int kInRelationship = 3281;
-constexpr int kIndexExists = 3284;
-
-const Variant kNull = Variant::Null();
 
 uint32_t TableOfRows(JetFile& file, int32_t rows) {
   const uint32_t table = CreateTable(

@@ -10,13 +10,13 @@
 
 #include "ambrelio/engine/jetfile/usage_map.h"
 #include "ambrelio/engine/jetfile/usage_map_writer.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/samples.h"
 #include "support/error_of.h"
 
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr int kDamaged = 3049;
 constexpr uint32_t kTable = 2;
 
 // The key of a number, as long as is wanted: the bytes behind the number are the same in all keys.
@@ -118,7 +118,9 @@ TEST_F(IndexWriterTest, TakesManyEntriesAtOnce) {
   std::mt19937 random(20'251'103);
   for (int round = 0; round < 60; ++round) {
     std::set<uint32_t> numbers;
-    for (uint32_t left = random() % 400; left > 0; --left) numbers.insert(random() % 1'000'000);
+    for (auto left = random() % 400; left > 0; --left) {
+      numbers.insert(static_cast<uint32_t>(random() % 1'000'000));
+    }
     std::vector<IndexEntry> entries;
     for (const uint32_t number : numbers) {
       const IndexEntry entry = EntryOf(number, number % 7 == 0 ? 500 : 5 + number % 40);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "ambrelio/engine/jetfile/damage.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/samples.h"
 #include "support/error_of.h"
 #include "support/temp_folder.h"
@@ -11,9 +12,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr int kWrongPassword = 3031;
-constexpr int kDamaged = 3049;
-constexpr int kUnrecognised = 3343;
 constexpr size_t kVersionAt = 0x14;
 
 int OpeningFails(const Bytes& bytes, const std::string& password = "") {

@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "ambrelio/engine/jetfile/catalogue.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/schema_test.h"
 
 namespace ambrelio::jetfile {
 namespace {
-
-constexpr int kWrongPassword = 3031;
 
 // A stretch of a page that the original engine leaves as memory happens to be.
 struct Uninitialised {

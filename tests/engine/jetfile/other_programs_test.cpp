@@ -1,6 +1,7 @@
 // A user of the original engine beside us, as far as locks on bytes of the .ldb file make one.
 #include "ambrelio/engine/jetfile/other_programs.h"
 
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/shared_file_fixture.h"
 #include "support/byte_lock.h"
 #include "support/error_of.h"
@@ -14,7 +15,6 @@ using test::SecondProcess;
 using testing::AllOf;
 using testing::HasSubstr;
 
-constexpr int kFileInUse = 3045;
 constexpr size_t kSlotBytes = 64;
 
 class OtherPrograms : public SharedFileTest {

@@ -7,15 +7,11 @@
 #include "ambrelio/engine/jetfile/catalogue.h"
 #include "ambrelio/engine/jetfile/query_kinds.h"
 #include "ambrelio/engine/jetfile/table_schema.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/schema_test.h"
 
 namespace ambrelio::jetfile {
 namespace {
-
-constexpr int kTableExists = 3010;
-constexpr int kObjectExists = 3012;
-constexpr int kInvalidName = 3125;
-constexpr int kNotInCollection = 3265;
 
 std::vector<QueryRow> RowsOf(const JetFile& file, const std::string& name) {
   const Catalogue catalogue = ReadCatalogue(file);

@@ -4,15 +4,11 @@
 
 #include <set>
 
+#include "engine/jetfile/errors.h"
 #include "support/error_of.h"
 
 namespace ambrelio::jetfile {
 namespace {
-
-constexpr int kDuplicateKey = 3022;
-constexpr int kTooLarge = 3047;
-constexpr int kNullInKey = 3058;
-constexpr int kNotSupported = 3251;
 
 // With so many rows, as many are deleted as come.
 constexpr size_t kManyRows = 200;

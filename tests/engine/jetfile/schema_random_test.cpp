@@ -255,7 +255,7 @@ std::vector<Sample> FilesToChange() {
 INSTANTIATE_TEST_SUITE_P(Files, RandomSchemas, testing::ValuesIn(FilesToChange()),
                          [](const auto& sample) { return TestName(sample.param); });
 
-constexpr size_t kRounds = 5;
+constexpr size_t kSchemaRounds = 5;
 constexpr size_t kSteps = 16;
 
 TEST_P(RandomSchemas, LeaveASoundFileThatHoldsWhatTheModelHolds) {
@@ -264,7 +264,7 @@ TEST_P(RandomSchemas, LeaveASoundFileThatHoldsWhatTheModelHolds) {
   JetFile file = JetFile::FromBytes(bytes, GetParam().password);
   const std::string found = CheckText(file);
   RandomSchema schema(file, 4711);
-  for (size_t round = 0; round < kRounds; ++round) {
+  for (size_t round = 0; round < kSchemaRounds; ++round) {
     for (size_t step = 0; step < kSteps; ++step) {
       schema.Step();
       ASSERT_FALSE(HasFailure()) << "round " << round << ", step " << step;
@@ -273,7 +273,7 @@ TEST_P(RandomSchemas, LeaveASoundFileThatHoldsWhatTheModelHolds) {
     schema.ExpectModel();
     ASSERT_FALSE(HasFailure());
   }
-  EXPECT_GT(schema.done(), kRounds * kSteps / 2);
+  EXPECT_GT(schema.done(), kSchemaRounds * kSteps / 2);
   // What is on the disk is read again as it is.
   const JetFile again = JetFile::FromBytes(StoredBytes(file), GetParam().password);
   EXPECT_EQ(CheckText(again), found);

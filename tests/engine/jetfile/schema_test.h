@@ -18,6 +18,7 @@
 namespace ambrelio::jetfile {
 
 inline const OleDate kNow = OleDate::FromDays(38000.5);
+inline const Variant kNull = Variant::Null();
 
 inline JetFile NewJet() { return JetFile::FromBytes(NewFile("", kNow), ""); }
 inline JetFile CopyOf(const char* sample) { return JetFile::FromBytes(SampleBytes(sample), ""); }

@@ -1,6 +1,7 @@
 // Disks that fail or are full at any point of a commit or of a recovery.
 #include <functional>
 
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/shared_file_fixture.h"
 #include "support/error_of.h"
 #include "support/watched_files.h"
@@ -11,9 +12,7 @@ namespace {
 using test::ErrorOf;
 using test::FileRequest;
 
-constexpr int kDiskFull = 3026;
-constexpr int kDiskError = 3043;
-constexpr uint32_t kCommit = 4;  // one that overwrites pages and makes the file longer
+constexpr uint32_t kGrowingCommit = 4;  // one that overwrites pages and makes the file longer
 
 enum class Length : uint8_t { kOnce, kForEver };
 
@@ -30,11 +29,11 @@ class SharedFileFailures : public SharedFileTest, public testing::WithParamInter
  protected:
   SharedFileFailures() : files_([this](const FileRequest& request) { return Take(request); }) {
     PutFile(Path(), SampleBytes("adox_jet4"));
-    states_ = StatesOf(FileBytes(Path()), kCommit);
+    states_ = StatesOf(FileBytes(Path()), kGrowingCommit);
   }
 
-  const Bytes& before() const { return states_[kCommit - 1]; }
-  const Bytes& after() const { return states_[kCommit]; }
+  const Bytes& before() const { return states_[kGrowingCommit - 1]; }
+  const Bytes& after() const { return states_[kGrowingCommit]; }
 
   // The `change`th change from now on fails, 1 being the next.
   void FailAt(int change) { countdown_ = change; }
@@ -44,7 +43,7 @@ class SharedFileFailures : public SharedFileTest, public testing::WithParamInter
   // Begins the commit that the tests are about; the error it ends with, or 0.
   int TryCommit(SharedFile& shared) {
     shared.Lock();
-    MakeChanges(shared.file(), kCommit);
+    MakeChanges(shared.file(), kGrowingCommit);
     return ErrorOf([&] { shared.Commit(); });
   }
 

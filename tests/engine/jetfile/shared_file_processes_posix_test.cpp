@@ -14,7 +14,7 @@ using test::ErrorOf;
 using test::SecondProcess;
 using testing::ElementsAre;
 
-constexpr std::chrono::milliseconds kAsLongAsItTakes = std::chrono::minutes(1);
+constexpr std::chrono::milliseconds kAtMost = std::chrono::minutes(1);
 
 class SharedFileOnPosix : public SharedFileTest {
  protected:
@@ -64,8 +64,7 @@ class Dying {
             if (request.kind != test::FileRequest::kOpen && --left == 0) std::raise(SIGKILL);
             return SQLITE_OK;
           });
-          const auto shared =
-              SharedFile::Open(path, "", SharedFile::Access::kShared, kAsLongAsItTakes);
+          const auto shared = SharedFile::Open(path, "", SharedFile::Access::kShared, kAtMost);
           parent.Signal();
           parent.Await();
           left = change;

@@ -1,4 +1,5 @@
 // Folders and media that cannot be written.
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/shared_file_fixture.h"
 #include "support/error_of.h"
 #include "support/read_only_files.h"
@@ -9,10 +10,6 @@ namespace {
 
 using test::ErrorOf;
 using testing::ElementsAre;
-
-constexpr int kReadOnly = 3027;
-constexpr int kAccessDenied = 3051;
-constexpr int kRecordLocked = 3218;
 
 class SharedFileReadOnly : public SharedFileTest {
  protected:
@@ -44,7 +41,7 @@ TEST_F(SharedFileReadOnly, IsReadAndNotWritten) {
   const SharedFile::Moment moment = shared->Read();
   EXPECT_FALSE(shared->ChangedByOthers());
   EXPECT_EQ(shared->file().page_count(), SampleBytes("adox_jet4").size() / kJet4.page_size);
-  EXPECT_EQ(ErrorOf([&] { shared->Lock(); }), kReadOnly);
+  EXPECT_EQ(ErrorOf([&] { shared->Lock(); }), kOnlyReadable);
   EXPECT_THAT(FilesInFolder(), ElementsAre("mill.mdb"));
 }
 

@@ -4,6 +4,7 @@
 
 #include "ambrelio/engine/jetfile/checker.h"
 #include "ambrelio/engine/jetfile/data_page.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/shared_file_fixture.h"
 #include "support/error_of.h"
 
@@ -15,15 +16,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Optional;
 
-constexpr int kFileNotFound = 3024;
-constexpr int kReadOnly = 3027;
-constexpr int kNoTransaction = 3034;
-constexpr int kInvalidPath = 3044;
-constexpr int kFileInUse = 3045;
-constexpr int kDamaged = 3049;
-constexpr int kAccessDenied = 3051;
-constexpr int kRecordLocked = 3218;
-constexpr int kUnrecognised = 3343;
 constexpr uint32_t kPage = 5;  // one that the tests write
 
 class SharedFileOfOne : public SharedFileTest {
@@ -287,7 +279,7 @@ TEST_F(SharedFileOfOne, IsOnlyReadWhenThatWasAskedFor) {
   for (const Access access : {Access::kReadOnly, Access::kExclusiveReadOnly}) {
     const auto shared = Open(access);
     EXPECT_TRUE(shared->read_only());
-    EXPECT_EQ(ErrorOf([&] { shared->Lock(); }), kReadOnly);
+    EXPECT_EQ(ErrorOf([&] { shared->Lock(); }), kOnlyReadable);
   }
 }
 

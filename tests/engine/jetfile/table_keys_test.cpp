@@ -4,14 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "ambrelio/engine/jetfile/index_tree.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/table_writer_fixture.h"
 
 namespace ambrelio::jetfile {
 namespace {
-
-constexpr int kDuplicateKey = 3022;
-constexpr int kNullInKey = 3058;
-constexpr int kNotSupported = 3251;
 
 // The number of each row, and a text beside it.
 class KeysTest : public TableWriterTest {

@@ -5,26 +5,13 @@
 #include "ambrelio/engine/jetfile/catalogue.h"
 #include "ambrelio/engine/jetfile/column_rules.h"
 #include "ambrelio/engine/jetfile/query_schema.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/schema_test.h"
 
 namespace ambrelio::jetfile {
 namespace {
 
 using enum ColumnType;
-
-constexpr int kInvalidArgument = 3001;
-constexpr int kTableExists = 3010;
-constexpr int kObjectExists = 3012;
-constexpr int kInvalidName = 3125;
-constexpr int kTooManyFields = 3190;
-constexpr int kFieldExists = 3191;
-constexpr int kNotSupported = 3251;
-constexpr int kInvalidFieldType = 3259;
-constexpr int kNothingDefined = 3264;
-constexpr int kInRelationship = 3281;
-constexpr int kPrimaryKeyExists = 3283;
-constexpr int kIndexExists = 3284;
-constexpr int kUnknownIndexField = 3409;
 
 std::vector<NewColumn> EveryType() {
   return {Column("sí", kBoolean),     Column("byte", kByte),   Column("integer", kInteger),

@@ -25,18 +25,18 @@ std::vector<Sample> WritableSamples() {
 INSTANTIATE_TEST_SUITE_P(Files, RandomChanges, testing::ValuesIn(WritableSamples()),
                          [](const auto& sample) { return TestName(sample.param); });
 
-constexpr size_t kRounds = 4;
+constexpr size_t kTableRounds = 4;
 
 TEST_P(RandomChanges, LeaveASoundFileThatHoldsWhatTheModelHolds) {
   JetFile file = JetFile::FromBytes(SampleBytes(GetParam().name), GetParam().password);
   const auto tables = UserTables(file);
-  for (uint32_t round = 0; round < kRounds; ++round) {
+  for (uint32_t round = 0; round < kTableRounds; ++round) {
     uint32_t seed = 1000 * round;
     for (const auto& [name, page] : tables) {
       RandomTable table(file, page, ++seed);
       if (!table.IsWritable()) continue;
       // So many values that a debug build takes about a second for a sample.
-      table.ChangeSome(5000 / kRounds / tables.size() / table.column_count() + 20);
+      table.ChangeSome(5000 / kTableRounds / tables.size() / table.column_count() + 20);
       table.ExpectRows();
       ASSERT_FALSE(HasFailure()) << name;
     }

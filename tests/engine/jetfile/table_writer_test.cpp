@@ -4,16 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/table_writer_fixture.h"
 
 namespace ambrelio::jetfile {
 namespace {
 
 constexpr int kTypeMismatch = 13;
-constexpr int kTooLarge = 3047;
-constexpr int kTextTooLong = 3163;
-constexpr int kRecordDeleted = 3167;
-constexpr int kNotSupported = 3251;
 
 TEST_F(TableWriterTest, GrowsARowWhereItIs) {
   const RowPointer first = Insert(1, 10);

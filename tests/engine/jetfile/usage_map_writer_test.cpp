@@ -8,14 +8,13 @@
 #include "ambrelio/engine/jetfile/data_page_editor.h"
 #include "ambrelio/engine/jetfile/page_allocator.h"
 #include "ambrelio/engine/jetfile/usage_map.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/samples.h"
 #include "engine/jetfile/table_model.h"
 #include "support/error_of.h"
 
 namespace ambrelio::jetfile {
 namespace {
-
-constexpr int kDiskFull = 3026;
 
 // A small file that says it is a large one: behind its own pages all are zeros.
 class LongFile : public PageFile {

@@ -7,6 +7,7 @@
 #include "ambrelio/engine/jetfile/row.h"
 #include "ambrelio/engine/jetfile/table_reader.h"
 #include "ambrelio/engine/jetfile/text.h"
+#include "engine/jetfile/errors.h"
 #include "engine/jetfile/hex.h"
 #include "engine/jetfile/samples.h"
 #include "support/error_of.h"
@@ -14,9 +15,7 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr int kDamaged = 3049;
-
-ColumnDefinition ColumnOf(ColumnType type, uint16_t collation = 0) {
+ColumnDefinition ColumnWith(ColumnType type, uint16_t collation = 0) {
   ColumnDefinition column;
   column.type = type;
   column.collation = collation;
@@ -34,26 +33,27 @@ void ExpectBothWays(const ColumnDefinition& column, const std::string& hex, cons
 }
 
 TEST(Values, AreStoredTheLowestByteFirst) {
-  ExpectBothWays(ColumnOf(ColumnType::kByte), "FF", uint8_t{255});
-  ExpectBothWays(ColumnOf(ColumnType::kInteger), "FE FF", int16_t{-2});
-  ExpectBothWays(ColumnOf(ColumnType::kLong), "01 02 00 00", int32_t{513});
-  ExpectBothWays(ColumnOf(ColumnType::kMoney), "10 27 00 00 00 00 00 00", Currency{10000});
-  ExpectBothWays(ColumnOf(ColumnType::kSingle), "00 00 80 3F", 1.0F);
-  ExpectBothWays(ColumnOf(ColumnType::kDouble), "00 00 00 00 00 00 F0 BF", -1.0);
-  ExpectBothWays(ColumnOf(ColumnType::kDate), "00 00 00 00 00 00 F4 BF", OleDate::FromDays(-1.25));
+  ExpectBothWays(ColumnWith(ColumnType::kByte), "FF", uint8_t{255});
+  ExpectBothWays(ColumnWith(ColumnType::kInteger), "FE FF", int16_t{-2});
+  ExpectBothWays(ColumnWith(ColumnType::kLong), "01 02 00 00", int32_t{513});
+  ExpectBothWays(ColumnWith(ColumnType::kMoney), "10 27 00 00 00 00 00 00", Currency{10000});
+  ExpectBothWays(ColumnWith(ColumnType::kSingle), "00 00 80 3F", 1.0F);
+  ExpectBothWays(ColumnWith(ColumnType::kDouble), "00 00 00 00 00 00 F0 BF", -1.0);
+  ExpectBothWays(ColumnWith(ColumnType::kDate), "00 00 00 00 00 00 F4 BF",
+                 OleDate::FromDays(-1.25));
 }
 
 TEST(Values, OfGuidsReadAsPeopleWriteThem) {
-  ExpectBothWays(ColumnOf(ColumnType::kGuid), "33 22 11 00 55 44 77 66 88 99 AA BB CC DD EE FF",
+  ExpectBothWays(ColumnWith(ColumnType::kGuid), "33 22 11 00 55 44 77 66 88 99 AA BB CC DD EE FF",
                  "{00112233-4455-6677-8899-AABBCCDDEEFF}");
 }
 
 TEST(Values, OfNumericsHaveAllTheirDigits) {
-  const auto column = ColumnOf(ColumnType::kNumeric, 0x041C);  // 28 digits, 4 decimals
+  const auto column = ColumnWith(ColumnType::kNumeric, 0x041C);  // 28 digits, 4 decimals
   ExpectBothWays(column, "80 00 00 00 00 00 00 00 00 00 00 00 00 48 E8 01 00", "-12.5000");
   ExpectBothWays(column, "00 00 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00", "429496.7296");
   ExpectBothWays(column, "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00", "0.0000");
-  ExpectBothWays(ColumnOf(ColumnType::kNumeric, 0x0026),
+  ExpectBothWays(ColumnWith(ColumnType::kNumeric, 0x0026),
                  "00 FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF",
                  "340282366920938463463374607431768211455");
   EXPECT_EQ(ParseNumeric("340282366920938463463374607431768211456", 0).has_value(), false);
@@ -62,10 +62,11 @@ TEST(Values, OfNumericsHaveAllTheirDigits) {
 }
 
 TEST(Values, RefuseOtherSizes) {
-  EXPECT_EQ(test::ErrorOf([] { Decoded(ColumnOf(ColumnType::kLong), "01 02"); }), kDamaged);
-  EXPECT_EQ(test::ErrorOf([] { Decoded(ColumnOf(ColumnType::kGuid), "01 02"); }), kDamaged);
-  EXPECT_EQ(test::ErrorOf([] { Decoded(ColumnOf(static_cast<ColumnType>(99)), "01"); }), kDamaged);
-  EXPECT_EQ(test::ErrorOf([] { EncodeValue(ColumnOf(ColumnType::kLong), "text"); }), 13);
+  EXPECT_EQ(test::ErrorOf([] { Decoded(ColumnWith(ColumnType::kLong), "01 02"); }), kDamaged);
+  EXPECT_EQ(test::ErrorOf([] { Decoded(ColumnWith(ColumnType::kGuid), "01 02"); }), kDamaged);
+  EXPECT_EQ(test::ErrorOf([] { Decoded(ColumnWith(static_cast<ColumnType>(99)), "01"); }),
+            kDamaged);
+  EXPECT_EQ(test::ErrorOf([] { EncodeValue(ColumnWith(ColumnType::kLong), "text"); }), 13);
 }
 
 std::string TextOf(const std::string& hex) {

@@ -11,7 +11,7 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr uint32_t kRightsPage = 3;
+constexpr uint32_t kAcesPage = 3;
 
 class WorkedBytes : public testing::Test {
  protected:
@@ -19,7 +19,7 @@ class WorkedBytes : public testing::Test {
 };
 
 TEST_F(WorkedBytes, DefinitionOfMSysACEs) {
-  const TableDefinition table = ReadDefinition(file_, kRightsPage);
+  const TableDefinition table = ReadDefinition(file_, kAcesPage);
   EXPECT_EQ(table.length, 335);
   EXPECT_EQ(table.free_bytes, 0x0EA9);
   EXPECT_EQ(table.marker, 1625);
@@ -58,7 +58,7 @@ TEST_F(WorkedBytes, DefinitionOfMSysACEs) {
 TEST_F(WorkedBytes, FirstRowOfMSysACEs) {
   const DataPage page(file_.Read(15), 15, file_.format());
   EXPECT_EQ(ToHex(page.Row(0).bytes()), "04 00 02 00 00 00 00 00 06 00 64 8B 0C 00 0A 00 01 00 07");
-  const TableDefinition table = ReadDefinition(file_, kRightsPage);
+  const TableDefinition table = ReadDefinition(file_, kAcesPage);
   TableReader reader(file_, table);
   ASSERT_TRUE(reader.Next());
   EXPECT_EQ(reader.identity(), (RowPointer{15, 0}));
@@ -85,7 +85,7 @@ TEST_F(WorkedBytes, LeafOfTheIndexOfMSysACEs) {
   const IndexPage page = ReadIndexPage(file_, 9);
   EXPECT_TRUE(page.leaf);
   EXPECT_EQ(page.free_bytes, 0x0D90);
-  EXPECT_EQ(page.table, kRightsPage);
+  EXPECT_EQ(page.table, kAcesPage);
   ASSERT_EQ(page.entries.size(), 16);
   EXPECT_EQ(ToHex(page.entries[0]), "7F 80 00 00 02 00 00 0F 00");
   EXPECT_EQ(page.EntryAt(0).row, (RowPointer{15, 0}));

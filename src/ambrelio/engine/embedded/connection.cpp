@@ -27,7 +27,7 @@ void Connection::Close() {
 }
 
 void Connection::CheckOpen() const {
-  if (!*alive_) dao::Raise(dao::DaoError::kObjectClosed, "DAO.Database");
+  if (!*alive_) dao::Raise(dao::DaoError::kObjectClosed, dao::source::kDatabase);
 }
 
 Storage& Connection::storage() const {

@@ -27,7 +27,7 @@ class DefinitionList : public dao::Collection<T> {
   void Refresh() override { this->Count(); }
 
  protected:
-  // `source` is the class that errors name, as "DAO.Fields".
+  // `source` is the class that errors name, as dao::source::kFields.
   explicit DefinitionList(std::string source) : source_(std::move(source)) {}
 
   const std::string& source() const { return source_; }

@@ -11,8 +11,6 @@ namespace {
 using dao::DaoError;
 using dao::FieldType;
 
-constexpr const char* kSource = "DAO.Field";
-
 bool IsText(FieldType type) { return type == FieldType::kText || type == FieldType::kMemo; }
 
 int32_t SizeOf(FieldType type) {
@@ -45,13 +43,13 @@ const FieldInfo& Field::Info() const {
   connection_->CheckOpen();
   if (place_ != Place::kStored) return draft_;
   const FieldInfo* const field = Table().FindField(field_);
-  if (field == nullptr) dao::Raise(DaoError::kObjectClosed, kSource);
+  if (field == nullptr) dao::Raise(DaoError::kObjectClosed, dao::source::kField);
   return *field;
 }
 
 const TableInfo& Field::Table() const {
   const TableInfo* const table = connection_->catalogue().Known().FindTable(table_);
-  if (table == nullptr) dao::Raise(DaoError::kObjectClosed, kSource);
+  if (table == nullptr) dao::Raise(DaoError::kObjectClosed, dao::source::kField);
   return *table;
 }
 
@@ -64,7 +62,7 @@ void Field::Change(const char* property, const std::function<void(FieldInfo&)>& 
       draft_ = std::move(changed);
       break;
     case Place::kIndex:
-      dao::Raise(DaoError::kFixedAfterAppend, kSource, property);
+      dao::Raise(DaoError::kFixedAfterAppend, dao::source::kField, property);
     case Place::kStored: {
       const std::string table = Table().name;
       connection_->catalogue().ChangeField(table, Name(), changed);
@@ -95,7 +93,8 @@ int32_t Field::Attributes() const {
 }
 
 void Field::SetAttributes(int32_t attributes) {
-  if (place_ == Place::kStored) dao::Raise(DaoError::kFixedAfterAppend, kSource, "Attributes");
+  if (place_ == Place::kStored)
+    dao::Raise(DaoError::kFixedAfterAppend, dao::source::kField, "Attributes");
   Change("Attributes", [&](FieldInfo& info) { info.attributes = attributes; });
 }
 
@@ -116,7 +115,8 @@ void Field::SetDefaultValue(const std::string& expression) {
 
 Variant Field::Value() const {
   connection_->CheckOpen();
-  dao::Raise(DaoError::kInvalidOperation, kSource, "Only a recordset's field has a value.");
+  dao::Raise(DaoError::kInvalidOperation, dao::source::kField,
+             "Only a recordset's field has a value.");
 }
 
 void Field::Keep(int16_t position) {

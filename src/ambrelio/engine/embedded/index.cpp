@@ -77,7 +77,7 @@ std::shared_ptr<dao::Field> Index::CreateField(const std::string& name) {
 
 const TableInfo& Index::Table() const {
   const TableInfo* const table = connection_->catalogue().Known().FindTable(table_);
-  if (table == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.Index");
+  if (table == nullptr) dao::Raise(DaoError::kObjectClosed, dao::source::kIndex);
   return *table;
 }
 
@@ -89,7 +89,7 @@ const IndexInfo& Index::Info() const {
 
 const IndexInfo& Index::InfoIn(const TableInfo& table) const {
   const IndexInfo* const index = table.FindIndex(index_);
-  if (index == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.Index");
+  if (index == nullptr) dao::Raise(DaoError::kObjectClosed, dao::source::kIndex);
   return *index;
 }
 
@@ -111,7 +111,7 @@ void Index::BecomeStored(std::shared_ptr<Connection> connection, int64_t table, 
 
 IndexInfo& Index::Draft(const char* property) {
   Info();  // 3420
-  if (stored()) dao::Raise(DaoError::kFixedAfterAppend, "DAO.Index", property);
+  if (stored()) dao::Raise(DaoError::kFixedAfterAppend, dao::source::kIndex, property);
   return draft_;
 }
 

@@ -17,7 +17,7 @@ class Index;
 
 class IndexFields final : public DefinitionList<dao::Field> {
  public:
-  explicit IndexFields(const Index& index) : DefinitionList("DAO.Fields"), index_(index) {}
+  explicit IndexFields(const Index& index) : DefinitionList(dao::source::kFields), index_(index) {}
   int Count() const override;
   // 3268 once the index is stored.
   void Append(const std::shared_ptr<dao::Field>& item) override;

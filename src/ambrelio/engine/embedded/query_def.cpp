@@ -19,7 +19,7 @@ const QueryInfo& QueryDef::Info() const {
   connection_->CheckOpen();
   if (!appended()) return draft_;
   const QueryInfo* const query = connection_->catalogue().Known().FindQuery(query_);
-  if (query == nullptr) dao::Raise(dao::DaoError::kObjectClosed, "DAO.QueryDef");
+  if (query == nullptr) dao::Raise(dao::DaoError::kObjectClosed, dao::source::kQueryDef);
   return *query;
 }
 

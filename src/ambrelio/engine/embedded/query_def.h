@@ -39,7 +39,7 @@ class QueryDef final : public dao::QueryDef {
 class QueryDefs final : public DefinitionList<dao::QueryDef> {
  public:
   explicit QueryDefs(std::shared_ptr<Connection> connection)
-      : DefinitionList("DAO.QueryDefs"), connection_(std::move(connection)) {}
+      : DefinitionList(dao::source::kQueryDefs), connection_(std::move(connection)) {}
   int Count() const override;
   void Append(const std::shared_ptr<dao::QueryDef>& item) override;
   void Delete(std::string_view name) override;

@@ -57,7 +57,7 @@ std::shared_ptr<dao::Index> TableDef::CreateIndex(const std::string& name) {
 
 const TableInfo& TableDef::Info() const {
   const TableInfo* const table = connection_->catalogue().Known().FindTable(table_);
-  if (table == nullptr) dao::Raise(DaoError::kObjectClosed, "DAO.TableDef");
+  if (table == nullptr) dao::Raise(DaoError::kObjectClosed, dao::source::kTableDef);
   return *table;
 }
 

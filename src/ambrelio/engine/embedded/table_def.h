@@ -21,7 +21,8 @@ class TableDef;
 // 3191 for a name that a stored table has, 3367 for one that a table in memory has.
 class TableFields final : public DefinitionList<dao::Field> {
  public:
-  explicit TableFields(const TableDef& table) : DefinitionList("DAO.Fields"), table_(table) {}
+  explicit TableFields(const TableDef& table)
+      : DefinitionList(dao::source::kFields), table_(table) {}
   int Count() const override;
   void Append(const std::shared_ptr<dao::Field>& item) override;
   void Delete(std::string_view name) override;
@@ -41,7 +42,8 @@ class TableFields final : public DefinitionList<dao::Field> {
 
 class TableIndexes final : public DefinitionList<dao::Index> {
  public:
-  explicit TableIndexes(const TableDef& table) : DefinitionList("DAO.Indexes"), table_(table) {}
+  explicit TableIndexes(const TableDef& table)
+      : DefinitionList(dao::source::kIndexes), table_(table) {}
   int Count() const override;
   void Append(const std::shared_ptr<dao::Index>& item) override;
   void Delete(std::string_view name) override;
@@ -92,7 +94,7 @@ class TableDef final : public dao::TableDef {
 class TableDefs final : public DefinitionList<dao::TableDef> {
  public:
   explicit TableDefs(std::shared_ptr<Connection> connection)
-      : DefinitionList("DAO.TableDefs"), connection_(std::move(connection)) {}
+      : DefinitionList(dao::source::kTableDefs), connection_(std::move(connection)) {}
   int Count() const override;
   void Append(const std::shared_ptr<dao::TableDef>& item) override;
   void Delete(std::string_view name) override;

@@ -11,9 +11,8 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.Database";
-constexpr size_t kBuiltInAccount = 2;   // bytes; other accounts have more
-constexpr uint32_t kCreator = 0xF00FE;  // the mask that tells the account of whoever creates
+constexpr size_t kBuiltInAccount = 2;       // bytes; other accounts have more
+constexpr uint32_t kCreatorMask = 0xF00FE;  // the mask that tells the account of whoever creates
 constexpr uint32_t kFullRights = 0xFFEFF;
 constexpr uint32_t kTopBit = 0x80000000;
 
@@ -37,7 +36,8 @@ std::vector<AccessRight> RightsOn(const Catalogue& catalogue, uint32_t id) {
   const uint32_t container = TablesContainer(catalogue).id;
   std::vector<AccessRight> rights{{id, owner, kFullRights, false}};
   for (const AccessRight& right : catalogue.rights) {
-    const bool stands_for_owner = right.account.size() == kBuiltInAccount && right.mask == kCreator;
+    const bool stands_for_owner =
+        right.account.size() == kBuiltInAccount && right.mask == kCreatorMask;
     if (right.object != container || !right.inheritable || stands_for_owner) continue;
     if (right.account != owner) rights.push_back({id, right.account, right.mask, false});
   }
@@ -60,7 +60,7 @@ void RequireFreeName(const Catalogue& catalogue, std::string_view name,
     if (itself != nullptr && object.id == itself->id) continue;
     if (NameKey(object.name) != wanted) continue;
     dao::Raise(object.type == ObjectType::kQuery ? DaoError::kObjectExists : DaoError::kTableExists,
-               kSource, std::string(name));
+               dao::source::kDatabase, std::string(name));
   }
 }
 

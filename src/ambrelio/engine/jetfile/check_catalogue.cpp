@@ -10,8 +10,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-bool SameText(const std::string& a, const std::string& b) { return UpperCase(a) == UpperCase(b); }
-
 // The documents of user interfaces do without.
 bool NeedsRights(ObjectType type) {
   return type == ObjectType::kTable || type == ObjectType::kQuery ||

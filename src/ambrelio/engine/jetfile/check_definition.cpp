@@ -8,9 +8,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kFreeBytesAt = 2;
-constexpr size_t kPageHeaderBytes = 8;
-
 class DefinitionCheck {
  public:
   DefinitionCheck(const JetFile& file, const std::string& name, const TableDefinition& definition,
@@ -38,11 +35,12 @@ class DefinitionCheck {
       Say(8, "the length of the definition is not that of its parts");
     }
     const size_t page_size = file_.format().page_size;
-    const size_t taken = definition_.length + kPageHeaderBytes;
+    const size_t taken = definition_.length + DefinitionLayout::kPageHeaderBytes;
     const size_t free = taken < page_size ? page_size - taken : 0;
     if (file_.format().jet4 && string.pages.size() == 1 && definition_.free_bytes != free) {
-      Say(kFreeBytesAt, "the definition says that " + std::to_string(definition_.free_bytes) +
-                            " bytes are free instead of " + std::to_string(free));
+      Say(DefinitionLayout::kFreeBytesAt, "the definition says that " +
+                                              std::to_string(definition_.free_bytes) +
+                                              " bytes are free instead of " + std::to_string(free));
     }
   }
 

@@ -7,9 +7,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-// Two entries a page would be enough for all that a file can hold.
-constexpr size_t kMostLevels = 32;
-
 bool IsNull(const Variant& value) { return value.is_null(); }
 
 }  // namespace
@@ -31,7 +28,7 @@ void IndexCheck::Run(const std::vector<KeyedRow>* rows) {
 
 std::optional<Bytes> IndexCheck::Visit(uint32_t number, size_t level) {
   const IndexPage page = ReadIndexPage(file_, number);
-  if (level == kMostLevels || !pages_.insert(number).second) {
+  if (level == kMostIndexLevels || !pages_.insert(number).second) {
     throw Damage({number, 0}, "the pages of index " + name_ + " go in a circle");
   }
   if (levels_.size() == level) levels_.emplace_back();

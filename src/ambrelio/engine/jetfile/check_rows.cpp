@@ -9,9 +9,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kRowCountAt = 0x10;
-constexpr size_t kAutonumberAt = 0x14;
-
 // Draws its numbers at random when that is its default; no counter follows those.
 bool IsCounted(const ColumnDefinition& column) {
   return column.autonumber() && column.type == ColumnType::kLong;
@@ -177,7 +174,7 @@ void RowsCheck::CheckLongValuePages() {
 }
 
 void RowsCheck::CheckCounters(size_t row_count) {
-  const Place place{definition_.page(), file_.format().jet4 ? kRowCountAt : 12};
+  const Place place{definition_.page(), file_.format().jet4 ? DefinitionLayout::kRowCountAt : 12};
   if (definition_.kind != TableDefinition::kSystemTable && definition_.row_count != row_count) {
     findings_.Add(Rule::kCount, place,
                   "the table " + name_ + " has " + std::to_string(row_count) + " rows and says " +
@@ -185,7 +182,8 @@ void RowsCheck::CheckCounters(size_t row_count) {
   }
   const auto last = static_cast<int32_t>(definition_.last_autonumber);
   if (greatest_autonumber_ && last < *greatest_autonumber_) {
-    findings_.Add(Rule::kCount, {definition_.page(), file_.format().jet4 ? kAutonumberAt : 16},
+    findings_.Add(Rule::kCount,
+                  {definition_.page(), file_.format().jet4 ? DefinitionLayout::kAutonumberAt : 16},
                   "the table " + name_ + " has the autonumber " +
                       std::to_string(*greatest_autonumber_) + " and says that the last is " +
                       std::to_string(last));

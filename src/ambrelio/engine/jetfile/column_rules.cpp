@@ -16,8 +16,6 @@ constexpr const char* kAllowZeroLength = "AllowZeroLength";
 constexpr const char* kDefaultValue = "DefaultValue";
 constexpr uint8_t kOfTheDesign = 1;
 
-bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == UpperCase(b); }
-
 Properties PropertiesOf(const JetFile& file, const CatalogueObject& table) {
   return {file, {table.properties, {table.row.page, 0}}};
 }
@@ -32,7 +30,7 @@ NamedValues Changed(const JetFile& file, const CatalogueObject& table,
 
 void RequireColumn(const JetFile& file, const CatalogueObject& table, std::string_view column) {
   if (ReadDefinition(file, table.definition_page()).FindColumn(column) != nullptr) return;
-  dao::Raise(dao::DaoError::kNotInCollection, "DAO.Fields", std::string(column));
+  dao::Raise(dao::DaoError::kNotInCollection, dao::source::kFields, std::string(column));
 }
 
 bool IsColumn(const PropertyOwner& owner, std::string_view column) {

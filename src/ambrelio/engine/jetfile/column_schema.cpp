@@ -19,8 +19,6 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.TableDef";
-
 // The file's own order when it is one that keys can be made of.
 uint16_t LanguageOfNewColumns(const Header& header) {
   const bool known =
@@ -30,7 +28,8 @@ uint16_t LanguageOfNewColumns(const Header& header) {
 
 const ColumnDefinition& ColumnOf(const TableDefinition& definition, uint16_t number) {
   const ColumnDefinition* column = definition.FindColumn(number);
-  if (column == nullptr) dao::Raise(DaoError::kNotInCollection, kSource, std::to_string(number));
+  if (column == nullptr)
+    dao::Raise(DaoError::kNotInCollection, dao::source::kTableDef, std::to_string(number));
   return *column;
 }
 
@@ -94,11 +93,11 @@ void DropColumn(JetFile& file, uint32_t table, uint16_t number, OleDate now) {
     const auto keys = index.Columns();
     const bool in_index = std::any_of(keys.begin(), keys.end(),
                                       [number](KeyColumn key) { return key.column == number; });
-    if (in_index) dao::Raise(DaoError::kFieldInIndex, kSource, column.name);
+    if (in_index) dao::Raise(DaoError::kFieldInIndex, dao::source::kTableDef, column.name);
   }
   RequireNoRelationship(ReadCatalogue(file), object.name, column.name);
   if (definition.columns.size() == 1) {
-    dao::Raise(DaoError::kNothingDefined, kSource, object.name);
+    dao::Raise(DaoError::kNothingDefined, dao::source::kTableDef, object.name);
   }
   WholeOrNotAtAll(file, [&] {
     FreeLongValues(file, definition, number);

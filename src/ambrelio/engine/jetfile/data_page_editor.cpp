@@ -8,8 +8,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-using Layout = DataPageLayout;
-
 constexpr size_t kSlotBytes = 2;
 // One less than row numbers there are.
 constexpr size_t kMostSlots = 255;
@@ -19,7 +17,7 @@ constexpr size_t kMostSlots = 255;
 DataPageEditor::DataPageEditor(uint32_t number, uint32_t owner)
     : number_(number), bytes_(kJet4.page_size) {
   Put(bytes_, 0, static_cast<uint16_t>(PageType::kData), sizeof(uint16_t));
-  Put(bytes_, Layout::kOwnerAt, owner, sizeof owner);
+  Put(bytes_, DataPageLayout::kOwnerAt, owner, sizeof owner);
 }
 
 DataPageEditor::DataPageEditor(const JetFile& file, uint32_t number) : number_(number) {
@@ -31,7 +29,9 @@ DataPageEditor::DataPageEditor(const JetFile& file, uint32_t number) : number_(n
   }
 }
 
-uint32_t DataPageEditor::owner() const { return ByteView(bytes_, {}).U32(Layout::kOwnerAt); }
+uint32_t DataPageEditor::owner() const {
+  return ByteView(bytes_, {}).U32(DataPageLayout::kOwnerAt);
+}
 
 size_t DataPageEditor::lowest_start() const {
   return slots_.empty() ? kJet4.page_size : slots_.back().start;
@@ -92,18 +92,18 @@ void DataPageEditor::Replace(uint8_t row, std::span<const uint8_t> bytes, Mark m
   Resize(row, bytes.size());
   Slot& slot = slots_[row];
   std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(slot.start));
-  slot.pointed_to = (static_cast<uint16_t>(mark) & Layout::kPointedToBit) != 0;
-  slot.moved = (static_cast<uint16_t>(mark) & Layout::kMovedBit) != 0;
+  slot.pointed_to = (static_cast<uint16_t>(mark) & DataPageLayout::kPointedToBit) != 0;
+  slot.moved = (static_cast<uint16_t>(mark) & DataPageLayout::kMovedBit) != 0;
 }
 
 void DataPageEditor::Save(JetFile& file) {
-  Put(bytes_, Layout::kFreeBytesAt, room(), sizeof(uint16_t));
+  Put(bytes_, DataPageLayout::kFreeBytesAt, room(), sizeof(uint16_t));
   Put(bytes_, kJet4.row_count_at, slots_.size(), sizeof(uint16_t));
   size_t at = kJet4.slots_at;
   for (const Slot& slot : slots_) {
     const uint32_t bits = static_cast<uint32_t>(slot.start) |
-                          (slot.pointed_to ? Layout::kPointedToBit : 0U) |
-                          (slot.moved ? Layout::kMovedBit : 0U);
+                          (slot.pointed_to ? DataPageLayout::kPointedToBit : 0U) |
+                          (slot.moved ? DataPageLayout::kMovedBit : 0U);
     Put(bytes_, at, bits, kSlotBytes);
     at += kSlotBytes;
   }

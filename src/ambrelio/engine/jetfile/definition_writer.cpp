@@ -7,13 +7,11 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kFreeBytesAt = 2;
-constexpr size_t kPageHeaderBytes = 8;
 constexpr uint16_t kDefinitionPage = static_cast<uint16_t>(PageType::kDefinition);
 
 // What a page counts as holding. The first holds eight bytes more, as the string has a page header
 // of its own; they are never counted on, so that a page behind it may come to stand empty.
-constexpr size_t kPageRoom = kJet4.page_size - kPageHeaderBytes;
+constexpr size_t kPageRoom = kJet4.page_size - DefinitionLayout::kPageHeaderBytes;
 
 void TakePages(JetFile& file, TableDefinition& definition, size_t length) {
   const size_t needed = (length + kPageRoom - 1) / kPageRoom;
@@ -45,7 +43,7 @@ void WriteDefinition(JetFile& file, TableDefinition& definition) {
     if (i > 0) {
       const size_t size = std::min(length - taken, kPageRoom);
       page.clear();
-      Append(page, kDefinitionPage, kFreeBytesAt);
+      Append(page, kDefinitionPage, DefinitionLayout::kFreeBytesAt);
       Append(page, last ? room : 0, 2);
       Append(page, last ? 0 : pages[i + 1], 4);
       Append(page, std::span(string).subspan(taken, size));

@@ -48,7 +48,7 @@ std::string DiskFile::FullPath(const std::string& path) {
   const int code =
       layer.xFullPathname(&layer, path.c_str(), static_cast<int>(full.size()), full.data());
   if (PrimaryCode(code) != SQLITE_OK) {
-    dao::Raise(dao::DaoError::kInvalidPath, "DAO.Workspace", path);
+    dao::Raise(dao::DaoError::kInvalidPath, dao::source::kWorkspace, path);
   }
   return full.data();
 }
@@ -60,7 +60,8 @@ DiskFile::~DiskFile() {
 void DiskFile::Check(int code) const {
   if (code == SQLITE_OK) return;
   const bool full = PrimaryCode(code) == SQLITE_FULL;
-  dao::Raise(full ? dao::DaoError::kDiskFull : dao::DaoError::kDiskError, "DAO.Database", path_);
+  dao::Raise(full ? dao::DaoError::kDiskFull : dao::DaoError::kDiskError, dao::source::kDatabase,
+             path_);
 }
 
 int64_t DiskFile::Size() const {

@@ -37,10 +37,9 @@ bool Await(std::chrono::milliseconds wait, Attempt attempt) {
 
 std::unique_ptr<FileLocks> FileLocks::Open(const std::string& path, bool alone,
                                            std::chrono::milliseconds wait) {
-  constexpr const char* kSource = "DAO.Workspace";
   std::unique_ptr<FileLocks> locks(new FileLocks(path, alone, wait));
   const bool joined = Await(wait, [&] { return locks->TryJoin(); });
-  if (!joined) dao::Raise(DaoError::kFileInUse, kSource, path);
+  if (!joined) dao::Raise(DaoError::kFileInUse, dao::source::kWorkspace, path);
   if (locks->presence_) {
     locks->rollback_ = DiskFile::OpenOrCreate(RollbackPath(path), path);
   }
@@ -48,7 +47,7 @@ std::unique_ptr<FileLocks> FileLocks::Open(const std::string& path, bool alone,
   // One that is there is somebody's, who would not be seen.
   const std::string missing = locks->presence_ ? RollbackPath(path) : locks->PresencePath();
   if (std::filesystem::exists(FilePath(missing))) {
-    dao::Raise(DaoError::kAccessDenied, kSource, missing);
+    dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, missing);
   }
   return nullptr;
 }
@@ -59,7 +58,7 @@ bool FileLocks::TryJoin() {
   presence_ = DiskFile::OpenOrCreate(PresencePath(), path_);
   if (!presence_) return true;
   if (alone_ && !presence_->writable()) {
-    dao::Raise(DaoError::kAccessDenied, "DAO.Workspace", path_);
+    dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, path_);
   }
   const bool joined = presence_->TryLock(Lock::kShared) && !presence_->HasMoved() &&
                       (!alone_ || presence_->TryLock(Lock::kExclusive));
@@ -86,7 +85,7 @@ void FileLocks::Remove() {
 
 void FileLocks::Enter() {
   const bool entered = Await(wait_, [&] { return rollback_->TryLock(Lock::kShared); });
-  if (!entered) dao::Raise(DaoError::kRecordLocked, "DAO.Database", path_);
+  if (!entered) dao::Raise(DaoError::kRecordLocked, dao::source::kDatabase, path_);
 }
 
 void FileLocks::Leave() {
@@ -96,7 +95,7 @@ void FileLocks::Leave() {
 
 void FileLocks::TakeTurn() {
   has_turn_ = alone_ || Await(wait_, [&] { return presence_->TryLock(Lock::kReserved); });
-  if (!has_turn_) dao::Raise(DaoError::kRecordLocked, "DAO.Database", path_);
+  if (!has_turn_) dao::Raise(DaoError::kRecordLocked, dao::source::kDatabase, path_);
 }
 
 void FileLocks::GiveTurn() {
@@ -107,7 +106,7 @@ void FileLocks::GiveTurn() {
 void FileLocks::BeginOverwriting() {
   overwriting_ = Await(wait_, [&] { return rollback_->TryLock(Lock::kExclusive); });
   try {
-    if (!overwriting_) dao::Raise(DaoError::kRecordLocked, "DAO.Database", path_);
+    if (!overwriting_) dao::Raise(DaoError::kRecordLocked, dao::source::kDatabase, path_);
     Bytes count;
     Append(count, Count() + 1, kRecordAt);
     rollback_->Write(0, count);

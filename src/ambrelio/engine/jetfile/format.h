@@ -6,6 +6,8 @@
 
 namespace ambrelio::jetfile {
 
+inline constexpr size_t kCommitTableBytes = 512;
+
 struct Format {
   bool jet4;
   size_t page_size;

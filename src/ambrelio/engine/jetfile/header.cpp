@@ -177,7 +177,7 @@ void MaskHeader(std::span<uint8_t> page, const Format& format) {
 
 void CheckPassword(const Header& header, std::string_view password) {
   if (header.password.empty() || header.password == password) return;
-  dao::Raise(dao::DaoError::kWrongPassword, "DAO.Workspace");
+  dao::Raise(dao::DaoError::kWrongPassword, dao::source::kWorkspace);
 }
 
 }  // namespace ambrelio::jetfile

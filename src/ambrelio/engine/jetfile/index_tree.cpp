@@ -54,15 +54,15 @@ bool StartsWith(std::span<const uint8_t> bytes, std::span<const uint8_t> start) 
   return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin());
 }
 
+}  // namespace
+
 bool Precedes(std::span<const uint8_t> a, std::span<const uint8_t> b) {
   return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end());
 }
 
-[[noreturn]] void FailCircle(uint32_t page) {
+void FailIndexCircle(uint32_t page) {
   throw Damage({page, 0}, "the pages of the index go in a circle");
 }
-
-}  // namespace
 
 IndexEntry IndexPage::EntryAt(size_t i) const {
   const Bytes& entry = entries[i];
@@ -149,7 +149,7 @@ IndexPage IndexTree::LeafOf(std::span<const uint8_t> key) const {
     }
     if (number == 0) throw Damage({page.number, 0}, "a node of the index has no last child");
   }
-  FailCircle(number);
+  FailIndexCircle(number);
 }
 
 void IndexTree::WalkFrom(IndexPage leaf,
@@ -164,7 +164,7 @@ void IndexTree::WalkFrom(IndexPage leaf,
     if (!leaf.leaf)
       throw Damage({leaf.number, 0}, "a leaf is expected behind page " + std::to_string(before));
   }
-  FailCircle(leaf.number);
+  FailIndexCircle(leaf.number);
 }
 
 }  // namespace ambrelio::jetfile

@@ -45,6 +45,13 @@ struct IndexPage {
   std::vector<uint32_t> Children() const;
 };
 
+// Two entries a page would be enough for all that a file can hold.
+inline constexpr int kMostIndexLevels = 32;
+
+// The order of the entries of a page.
+bool Precedes(std::span<const uint8_t> a, std::span<const uint8_t> b);
+[[noreturn]] void FailIndexCircle(uint32_t page);
+
 // What a leaf keeps of an entry.
 Bytes BytesOfEntry(const IndexEntry& entry);
 

@@ -7,13 +7,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-// Two entries a page would be enough for all that a file can hold.
-constexpr int kMostLevels = 32;
-
-bool Precedes(std::span<const uint8_t> a, std::span<const uint8_t> b) {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end());
-}
-
 // Of a node, the child below which an entry belongs.
 size_t ChildFor(const IndexPage& node, std::span<const uint8_t> entry) {
   const auto found = std::lower_bound(
@@ -56,10 +49,6 @@ IndexItems::const_iterator InsertSome(IndexPage& leaf, std::span<const uint8_t> 
   return next;
 }
 
-[[noreturn]] void FailCircle(uint32_t page) {
-  throw Damage({page, 0}, "the pages of the index go in a circle");
-}
-
 Bytes ChildAt(const IndexPage& node, size_t position, const Bytes& at) {
   if (position < node.entries.size()) return node.entries[position];
   if (node.tail == 0) throw Damage({node.number, 0}, "a node of the index has no last child");
@@ -95,13 +84,13 @@ bool IndexWriter::Contains(std::span<const uint8_t> key) const {
   uint32_t number = root_;
   for (int depth = 0; !pages_.Read(number).leaf; ++depth) {
     const IndexPage& node = pages_.Read(number);
-    if (depth == kMostLevels) FailCircle(number);
+    if (depth == kMostIndexLevels) FailIndexCircle(number);
     number = PageOfChild(ChildAt(node, ChildFor(node, key), ChildItem({}, number)));
   }
   // The first entry that is not less may be that of the next leaf.
   for (uint32_t steps = 0; number != 0; ++steps) {
     const IndexPage& leaf = pages_.Read(number);
-    if (steps == pages_.file().page_count()) FailCircle(number);
+    if (steps == pages_.file().page_count()) FailIndexCircle(number);
     const size_t place = PlaceInLeaf(leaf, key);
     if (place < leaf.entries.size()) {
       return std::ranges::equal(BoundOfChild(leaf.entries[place]), key);
@@ -123,7 +112,7 @@ IndexItems IndexWriter::ChangeBelow(const Bytes& at, const Bytes& entry, const C
                                     int depth) {
   const IndexPage& page = pages_.Read(PageOfChild(at));
   if (page.leaf) return ChangeLeaf(at, change);
-  if (depth == kMostLevels) FailCircle(page.number);
+  if (depth == kMostIndexLevels) FailIndexCircle(page.number);
   const size_t position = ChildFor(page, entry);
   const bool last = position == page.entries.size();
   const Bytes child = ChildAt(page, position, at);

@@ -8,8 +8,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-using Layout = LongValueLayout;
-
 DataPage LongValuePage(const JetFile& file, RowPointer row) {
   DataPage page(file.Read(row.page), row.page, file.format());
   if (page.owner() != kOwnerLongValues) {
@@ -47,7 +45,7 @@ void ReadChain(const JetFile& file, const LongValueDefinition& definition, LongV
     }
     value.rows.push_back(next);
     next = ReadRowPointer(row, 0);
-    const ByteView data = row.From(Layout::kNextBytes);
+    const ByteView data = row.From(LongValueLayout::kNextBytes);
     const size_t wanted = std::min(data.size(), definition.length - value.bytes.size());
     Append(value.bytes, data.Part(0, wanted).bytes());
   }
@@ -59,15 +57,15 @@ LongValueDefinition ParseLongValue(ByteView bytes) {
   LongValueDefinition definition;
   if (bytes.empty()) return definition;
   const uint32_t bits = bytes.U32(0);
-  definition.length = bits & Layout::kLengthBits;
-  if ((bits & Layout::kInlineBit) != 0) {
-    definition.inline_bytes = bytes.Part(Layout::kInlineAt, definition.length);
+  definition.length = bits & LongValueLayout::kLengthBits;
+  if ((bits & LongValueLayout::kInlineBit) != 0) {
+    definition.inline_bytes = bytes.Part(LongValueLayout::kInlineAt, definition.length);
     return definition;
   }
   definition.kind =
-      (bits & Layout::kOneRowBit) != 0 ? LongValueKind::kOneRow : LongValueKind::kChain;
-  definition.first = ReadRowPointer(bytes, Layout::kPointerAt);
-  definition.stamp = bytes.U32(Layout::kStampAt);
+      (bits & LongValueLayout::kOneRowBit) != 0 ? LongValueKind::kOneRow : LongValueKind::kChain;
+  definition.first = ReadRowPointer(bytes, LongValueLayout::kPointerAt);
+  definition.stamp = bytes.U32(LongValueLayout::kStampAt);
   return definition;
 }
 

@@ -9,10 +9,8 @@
 namespace ambrelio::jetfile {
 namespace {
 
-using Layout = LongValueLayout;
-
 constexpr size_t kLongestInline = 64;
-constexpr size_t kLongestRow = 3816;
+constexpr size_t kLongestInOneRow = 3816;
 // Of a chain, what one row holds beside the pointer to the next.
 constexpr size_t kChainedBytes = 4072;
 
@@ -25,14 +23,14 @@ LongValueMaps MapsOf(const TableDefinition& definition, uint16_t column) {
 
 Bytes Definition(size_t length, uint32_t kind, RowPointer first) {
   Bytes definition;
-  Append(definition, length | kind, Layout::kPointerAt);
+  Append(definition, length | kind, LongValueLayout::kPointerAt);
   Append(definition, RowPointerBits(first), sizeof(uint32_t));
-  Append(definition, 0, Layout::kInlineAt - Layout::kStampAt);
+  Append(definition, 0, LongValueLayout::kInlineAt - LongValueLayout::kStampAt);
   return definition;
 }
 
 Bytes InlineDefinition(std::span<const uint8_t> value) {
-  Bytes definition = Definition(value.size(), Layout::kInlineBit, {});
+  Bytes definition = Definition(value.size(), LongValueLayout::kInlineBit, {});
   Append(definition, value);
   return definition;
 }
@@ -50,9 +48,9 @@ Bytes LongValueWriter::Placeholder(std::span<const uint8_t> value) {
 
 Bytes LongValueWriter::Write(std::span<const uint8_t> value) {
   if (value.size() <= kLongestInline) return InlineDefinition(value);
-  if (value.size() <= kLongestRow) {
+  if (value.size() <= kLongestInOneRow) {
     const RowPointer row = pages_.Add(value, DataPageEditor::Mark::kNone);
-    return Definition(value.size(), Layout::kOneRowBit, row);
+    return Definition(value.size(), LongValueLayout::kOneRowBit, row);
   }
   return Definition(value.size(), 0, WriteChain(value));
 }
@@ -64,7 +62,7 @@ RowPointer LongValueWriter::WriteChain(std::span<const uint8_t> value) {
     const size_t rest = value.size() % kChainedBytes;
     const auto piece = value.last(rest != 0 ? rest : kChainedBytes);
     Bytes row;
-    Append(row, RowPointerBits(next), Layout::kNextBytes);
+    Append(row, RowPointerBits(next), LongValueLayout::kNextBytes);
     Append(row, piece);
     next = pages_.AddOnNewPage(row);
     value = value.first(value.size() - piece.size());
@@ -78,7 +76,7 @@ void LongValueWriter::Free(std::span<const uint8_t> definition) {
 
 Bytes EncodeLongValue(const ColumnDefinition& column, const Variant& value) {
   Bytes bytes = EncodeValue(column, value);
-  const bool chained = bytes.size() > kLongestRow;
+  const bool chained = bytes.size() > kLongestInOneRow;
   // Only what has a row for itself, or lies in that of its column, is ever compressed.
   if (!chained || column.type != ColumnType::kMemo) return bytes;
   return ColumnBytes(value.as<std::string>(), false);

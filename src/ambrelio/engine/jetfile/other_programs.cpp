@@ -13,8 +13,8 @@ namespace ambrelio::jetfile {
 namespace {
 
 constexpr uint64_t kFirstUserLock = 0x10000001;
-constexpr uint64_t kUsers = 255;
-constexpr size_t kSlotBytes = 64;
+constexpr uint64_t kMostUsers = 255;
+constexpr size_t kUserBytes = 64;
 constexpr size_t kNameBytes = 32;
 
 // A name of a slot, which ends before its first zero.
@@ -26,8 +26,8 @@ std::string NameAt(const std::string& slots, size_t at) {
 
 // " by 'Admin' on the computer 'MILL'", or as much of it as the slot says.
 std::string UserText(const std::string& slots, size_t slot) {
-  const std::string computer = NameAt(slots, slot * kSlotBytes);
-  const std::string user = NameAt(slots, slot * kSlotBytes + kNameBytes);
+  const std::string computer = NameAt(slots, slot * kUserBytes);
+  const std::string user = NameAt(slots, slot * kUserBytes + kNameBytes);
   return (user.empty() ? "" : " by '" + user + "'") +
          (computer.empty() ? "" : " on the computer '" + computer + "'");
 }
@@ -36,7 +36,7 @@ std::string UserText(const std::string& slots, size_t slot) {
 
 void RefuseWhileOthersHaveIt(const std::string& path) {
   const std::string users = Utf8Path(FilePath(path).replace_extension(".ldb"));
-  const std::optional<uint64_t> locked = LockedByte(users, kFirstUserLock, kUsers);
+  const std::optional<uint64_t> locked = LockedByte(users, kFirstUserLock, kMostUsers);
   if (!locked) return;
   const std::string slots = ReadWholeFile(users).value_or("");
   Refuse(dao::DaoError::kFileInUse,

@@ -15,8 +15,6 @@ constexpr size_t kBlockHeader = 6;  // length, kind
 constexpr size_t kValueHeader = 8;  // length, flag, type, name, length of the value
 constexpr uint16_t kNames = 0x80;
 
-bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == UpperCase(b); }
-
 void AppendBlock(Bytes& blob, uint16_t kind, const Bytes& body) {
   Append(blob, body.size() + kBlockHeader, 4);
   Append(blob, kind, 2);

@@ -108,7 +108,7 @@ void DropQuery(JetFile& file, std::string_view name) {
   const Catalogue catalogue = ReadCatalogue(file);
   const CatalogueObject* query = catalogue.Find(ObjectType::kQuery, name);
   if (query == nullptr) {
-    dao::Raise(dao::DaoError::kNotInCollection, "DAO.QueryDefs", std::string(name));
+    dao::Raise(dao::DaoError::kNotInCollection, dao::source::kQueryDefs, std::string(name));
   }
   WholeOrNotAtAll(file, [&] {
     SystemTableWriter writer(file, file.header().queries_table());

@@ -7,10 +7,8 @@
 namespace ambrelio::jetfile {
 namespace {
 
-bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == UpperCase(b); }
-
 [[noreturn]] void FailInRelationship(std::string_view name) {
-  dao::Raise(dao::DaoError::kInRelationship, "DAO.TableDef", std::string(name));
+  dao::Raise(dao::DaoError::kInRelationship, dao::source::kTableDef, std::string(name));
 }
 
 // Changes the rows for which `values` gives some.

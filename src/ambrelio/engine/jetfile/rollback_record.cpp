@@ -25,7 +25,6 @@ constexpr size_t kCheckBytes = 8;
 
 constexpr size_t kPageBytes = kJet4.page_size;
 constexpr size_t kCommitTableAt = kJet4.commit_table_at;
-constexpr size_t kCommitTableBytes = 512;
 constexpr size_t kCreatedBytes = 8;
 
 int64_t PlaceOfPage(uint32_t page) {
@@ -173,7 +172,7 @@ void RollbackRecord::Restore(const Contents& contents) {
 void RollbackRecord::TakeBack() {
   if (is_durable_) {
     const std::optional<Contents> contents = Begins(file_, place_) ? Load() : std::nullopt;
-    if (!contents) dao::Raise(dao::DaoError::kDiskError, "DAO.Database", file_.path());
+    if (!contents) dao::Raise(dao::DaoError::kDiskError, dao::source::kDatabase, file_.path());
     Restore(*contents);
     data_.Sync();
   }

@@ -13,8 +13,7 @@ namespace {
 using dao::DaoError;
 using Access = SharedFile::Access;
 
-constexpr const char* kOpening = "DAO.Workspace";
-constexpr size_t kCommitTableBytes = 512;
+constexpr const char* kOpening = dao::source::kWorkspace;
 
 void RequireFolder(const std::string& path) {
   const std::filesystem::path folder = FilePath(path).parent_path();

@@ -8,12 +8,10 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.Database";
-
 }  // namespace
 
 void SharedFile::Lock() {
-  if (read_only_) dao::Raise(DaoError::kReadOnly, kSource, path_);
+  if (read_only_) dao::Raise(DaoError::kReadOnly, dao::source::kDatabase, path_);
   locks_->TakeTurn();
   try {
     turn_.emplace(Read());
@@ -42,7 +40,7 @@ void SharedFile::GiveBack() {
 }
 
 void SharedFile::Commit() {
-  if (!turn_) dao::Raise(DaoError::kNoTransaction, kSource);
+  if (!turn_) dao::Raise(DaoError::kNoTransaction, dao::source::kDatabase);
   if (locks_->overwriting()) TakeBack();
   if (file_->changes().empty()) return;
   RefuseWhileOthersHaveIt(full_path_);

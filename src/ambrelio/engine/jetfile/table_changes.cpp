@@ -10,8 +10,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr const char* kSource = "DAO.Recordset";
-
 void CheckLength(const ColumnDefinition& column, const Variant& value) {
   size_t length = 0;
   if (column.type == ColumnType::kText) {
@@ -19,7 +17,8 @@ void CheckLength(const ColumnDefinition& column, const Variant& value) {
   } else if (column.type == ColumnType::kBinary || column.type == ColumnType::kLongBinary) {
     length = value.as<std::string>().size();
   }
-  if (length > column.length) dao::Raise(dao::DaoError::kTextTooLong, kSource, column.name);
+  if (length > column.length)
+    dao::Raise(dao::DaoError::kTextTooLong, dao::source::kRecordset, column.name);
 }
 
 }  // namespace
@@ -60,7 +59,7 @@ RowChange ChangePlanner::PlanOne(RowPointer row, const std::vector<Variant>* val
 
 RowSide ChangePlanner::Read(RowPointer pointer) const {
   const auto body = FindRow(file_, definition_, pointer);
-  if (!body) dao::Raise(dao::DaoError::kRecordDeleted, kSource);
+  if (!body) dao::Raise(dao::DaoError::kRecordDeleted, dao::source::kRecordset);
   const Row row(body->page.Row(body->at.row), definition_, file_.format().jet4);
   RowSide side;
   for (size_t i = 0; i < definition_.columns.size(); ++i) {

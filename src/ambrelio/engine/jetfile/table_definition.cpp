@@ -12,7 +12,6 @@ namespace {
 
 constexpr size_t kNextPageAt = 4;
 constexpr size_t kLengthAt = 8;
-constexpr size_t kPageHeaderBytes = 8;
 constexpr uint16_t kNoMoreLongValues = 0xFFFF;
 // 255 columns, 32 indexes and all their names take a tenth of it.
 constexpr size_t kLongestDefinition = 1 << 20;
@@ -79,12 +78,13 @@ DefinitionString ReadDefinitionString(const JetFile& file, uint32_t page) {
         throw Damage({number, kLengthAt}, "no table definition is as long as this one says");
       }
     }
-    const ByteView content = string.pages.empty() ? view : view.From(kPageHeaderBytes);
+    const ByteView content =
+        string.pages.empty() ? view : view.From(DefinitionLayout::kPageHeaderBytes);
     string.pages.push_back(number);
     Append(string.bytes, content.bytes());
     number = view.U32(kNextPageAt);
     // A definition that all but fills its pages has one more, with nothing in it.
-    if (string.bytes.size() >= length + (number == 0 ? 0 : kPageHeaderBytes)) {
+    if (string.bytes.size() >= length + (number == 0 ? 0 : DefinitionLayout::kPageHeaderBytes)) {
       string.bytes.resize(length);
       return string;
     }

@@ -14,6 +14,15 @@
 
 namespace ambrelio::jetfile {
 
+// Where the first page of a definition has what is not read with the rest, and how much stands
+// before what each page holds of it.
+struct DefinitionLayout {
+  static constexpr size_t kFreeBytesAt = 2;
+  static constexpr size_t kPageHeaderBytes = 8;
+  static constexpr size_t kRowCountAt = 0x10;    // of Jet 4
+  static constexpr size_t kAutonumberAt = 0x14;  // of Jet 4
+};
+
 enum class ColumnType : uint8_t {
   kBoolean = 1,
   kByte = 2,

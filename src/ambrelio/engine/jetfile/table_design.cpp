@@ -12,7 +12,6 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.TableDef";
 constexpr uint32_t kMarker = 1625;
 constexpr uint32_t kIndexMarker = 1923;
 constexpr uint8_t kIndexOfJet4 = 0x80;
@@ -21,8 +20,6 @@ constexpr uint32_t kNoNumber = 0xFFFFFFFF;
 constexpr uint8_t kNoRelationship = 4;  // where one says what follows a change
 constexpr uint16_t kLongestText = 255;
 constexpr uint16_t kLongestBinary = 510;
-
-bool SameText(std::string_view a, std::string_view b) { return UpperCase(a) == UpperCase(b); }
 
 // In bytes; of what has no fixed size, 0.
 uint16_t SizeOf(ColumnType type) {
@@ -118,7 +115,7 @@ void RequireName(std::string_view name) {
       std::none_of(units.begin(), units.end(), [](char16_t unit) {
         return unit < u' ' || std::u16string_view(u".![]`").find(unit) != std::u16string_view::npos;
       });
-  if (!sound) dao::Raise(DaoError::kInvalidName, kSource, std::string(name));
+  if (!sound) dao::Raise(DaoError::kInvalidName, dao::source::kTableDef, std::string(name));
 }
 
 // That of a text, as far as its order is known.
@@ -140,16 +137,17 @@ uint16_t DesignColumn(TableDefinition& definition, const NewColumn& column, uint
   constexpr uint8_t kUpdatable = 0x02;
   RequireName(column.name);
   if (definition.FindColumn(column.name) != nullptr) {
-    dao::Raise(DaoError::kFieldExists, kSource, column.name);
+    dao::Raise(DaoError::kFieldExists, dao::source::kTableDef, column.name);
   }
   const auto length = LengthOf(column);
   const bool second_autonumber =
       column.autonumber && std::any_of(definition.columns.begin(), definition.columns.end(),
                                        [](const auto& other) { return other.autonumber(); });
   if (!length || second_autonumber) {
-    dao::Raise(DaoError::kInvalidFieldType, kSource, column.name);
+    dao::Raise(DaoError::kInvalidFieldType, dao::source::kTableDef, column.name);
   }
-  if (definition.column_mark >= kMostColumns) dao::Raise(DaoError::kTooManyFields, kSource);
+  if (definition.column_mark >= kMostColumns)
+    dao::Raise(DaoError::kTooManyFields, dao::source::kTableDef);
 
   ColumnDefinition made;
   made.name = column.name;
@@ -178,7 +176,7 @@ void RedesignColumn(TableDefinition& definition, uint16_t number, std::string_vi
   RequireName(name);
   const ColumnDefinition* other = definition.FindColumn(name);
   if (other != nullptr && other->number != number) {
-    dao::Raise(DaoError::kFieldExists, kSource, std::string(name));
+    dao::Raise(DaoError::kFieldExists, dao::source::kTableDef, std::string(name));
   }
   const auto found = std::find_if(definition.columns.begin(), definition.columns.end(),
                                   [number](const auto& column) { return column.number == number; });
@@ -205,24 +203,25 @@ IndexDefinition DesignIndex(const TableDefinition& definition, const NewIndex& i
                        std::any_of(tree.slots.begin(), tree.slots.end(),
                                    [&](KeyColumn slot) { return slot.column == column->number; });
     if (column == nullptr || twice || !CanBeKey(column->type)) {
-      dao::Raise(DaoError::kUnknownIndexField, kSource, name);
+      dao::Raise(DaoError::kUnknownIndexField, dao::source::kTableDef, name);
     }
     tree.slots.at(i) = {column->number, static_cast<uint8_t>(ascending ? 1 : 0)};
   }
-  if (index.columns.empty()) dao::Raise(DaoError::kUnknownIndexField, kSource, index.name);
+  if (index.columns.empty())
+    dao::Raise(DaoError::kUnknownIndexField, dao::source::kTableDef, index.name);
   return tree;
 }
 
 void AddIndex(TableDefinition& definition, const NewIndex& index, const IndexDefinition& tree) {
   RequireName(index.name);
   if (FindIndexName(definition, index.name) != nullptr) {
-    dao::Raise(DaoError::kIndexExists, kSource, index.name);
+    dao::Raise(DaoError::kIndexExists, dao::source::kTableDef, index.name);
   }
   const bool second_primary =
       index.primary &&
       std::any_of(definition.index_names.begin(), definition.index_names.end(),
                   [](const IndexName& name) { return name.kind == IndexName::kPrimary; });
-  if (second_primary) dao::Raise(DaoError::kPrimaryKeyExists, kSource, index.name);
+  if (second_primary) dao::Raise(DaoError::kPrimaryKeyExists, dao::source::kTableDef, index.name);
   if (definition.index_names.size() >= kMostIndexes) {
     Refuse(DaoError::kInvalidArgument,
            "The index '" + index.name + "' would be one more than 32, which is the most.");

@@ -15,7 +15,7 @@ uint32_t CreateTable(JetFile& file, std::string_view name, const std::vector<New
   const Catalogue catalogue = ReadCatalogue(file);
   RequireFreeName(catalogue, name);
   if (columns.empty()) {
-    dao::Raise(dao::DaoError::kNothingDefined, "DAO.TableDefs", std::string(name));
+    dao::Raise(dao::DaoError::kNothingDefined, dao::source::kTableDefs, std::string(name));
   }
   TableDefinition definition = NewDefinition(TableDefinition::kUserTable);
   for (const NewColumn& column : columns) DesignColumn(definition, column, kGeneralOrder);

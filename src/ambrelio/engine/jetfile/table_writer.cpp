@@ -8,9 +8,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-constexpr size_t kRowCountAt = 0x10;
-constexpr size_t kAutonumberAt = 0x14;
-
 bool IsKnown(ColumnType type) {
   switch (type) {
     case ColumnType::kBoolean:
@@ -95,7 +92,7 @@ void TableWriter::CheckUnique(size_t index, const std::vector<RowChange>& change
     if (key == nullptr || key->has_null) continue;
     const bool first = coming.insert(key->bytes).second;
     if (first && (leaving.contains(key->bytes) || !indexes_[index].Contains(key->bytes))) continue;
-    dao::Raise(dao::DaoError::kDuplicateKey, "DAO.Recordset",
+    dao::Raise(dao::DaoError::kDuplicateKey, dao::source::kRecordset,
                "It would be in " + keys_.NameOf(index) + ".");
   }
 }
@@ -174,8 +171,9 @@ LongValueWriter& TableWriter::LongValues(size_t position) {
 void TableWriter::Finish() {
   const Page page = file_.Read(definition_->page());
   Bytes bytes = *page;
-  Put(bytes, kRowCountAt, definition_->row_count, sizeof definition_->row_count);
-  Put(bytes, kAutonumberAt, definition_->last_autonumber, sizeof definition_->last_autonumber);
+  Put(bytes, DefinitionLayout::kRowCountAt, definition_->row_count, sizeof definition_->row_count);
+  Put(bytes, DefinitionLayout::kAutonumberAt, definition_->last_autonumber,
+      sizeof definition_->last_autonumber);
   if (bytes != *page) file_.Write(definition_->page(), std::move(bytes));
 }
 

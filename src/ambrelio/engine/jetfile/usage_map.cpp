@@ -9,8 +9,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-using Layout = UsageMapLayout;
-
 // Is shown a page, and says whether it wants to see more.
 using Visit = std::function<bool(uint64_t page)>;
 
@@ -28,19 +26,20 @@ bool VisitBits(ByteView view, uint64_t first, const Visit& visit) {
 }
 
 bool VisitInline(ByteView row, const Visit& visit) {
-  return VisitBits(row.From(Layout::kInlineBitsAt), row.U32(Layout::kStartAt), visit);
+  return VisitBits(row.From(UsageMapLayout::kInlineBitsAt), row.U32(UsageMapLayout::kStartAt),
+                   visit);
 }
 
 void VisitReferences(const JetFile& file, ByteView row, std::vector<uint32_t>& bitmap_pages,
                      const Visit& visit) {
-  const uint64_t covered = Layout::PagesOfBitmap(file.format());
-  for (size_t at = Layout::kPointersAt; at + 4 <= row.size(); at += 4) {
+  const uint64_t covered = UsageMapLayout::PagesOfBitmap(file.format());
+  for (size_t at = UsageMapLayout::kPointersAt; at + 4 <= row.size(); at += 4) {
     const uint32_t number = row.U32(at);
     if (number == 0) continue;
     const Page page = ReadBitmapPage(file, number);
     bitmap_pages.push_back(number);
-    const uint64_t first = covered * ((at - Layout::kPointersAt) / 4);
-    if (!VisitBits(ViewOf(page, number).From(Layout::kBitmapBitsAt), first, visit)) return;
+    const uint64_t first = covered * ((at - UsageMapLayout::kPointersAt) / 4);
+    if (!VisitBits(ViewOf(page, number).From(UsageMapLayout::kBitmapBitsAt), first, visit)) return;
   }
 }
 
@@ -53,10 +52,10 @@ void VisitMap(const JetFile& file, RowPointer row, std::vector<uint32_t>& bitmap
   }
   const ByteView bytes = page.Row(row.row);
   switch (bytes.U8(0)) {
-    case Layout::kInline:
+    case UsageMapLayout::kInline:
       VisitInline(bytes, visit);
       break;
-    case Layout::kByReference:
+    case UsageMapLayout::kByReference:
       VisitReferences(file, bytes, bitmap_pages, visit);
       break;
     default:

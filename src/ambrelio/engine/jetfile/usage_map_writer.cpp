@@ -13,8 +13,6 @@
 namespace ambrelio::jetfile {
 namespace {
 
-using Layout = UsageMapLayout;
-
 // The bit that says whether a page is in a map.
 struct BitPlace {
   Place byte;
@@ -26,19 +24,21 @@ std::optional<BitPlace> FindBit(const JetFile& file, RowPointer map, uint32_t nu
   const DataPage page(file.Read(map.page), map.page, file.format());
   const ByteView row = page.Row(map.row);
   const auto mask = static_cast<uint8_t>(1U << (number % 8));
-  if (row.U8(0) == Layout::kInline) {
-    const uint32_t start = row.U32(Layout::kStartAt);
+  if (row.U8(0) == UsageMapLayout::kInline) {
+    const uint32_t start = row.U32(UsageMapLayout::kStartAt);
     const size_t bit = number - start;
-    if (number < start || bit / 8 >= row.size() - Layout::kInlineBitsAt) return std::nullopt;
-    return BitPlace{row.PlaceOf(Layout::kInlineBitsAt + bit / 8),
+    if (number < start || bit / 8 >= row.size() - UsageMapLayout::kInlineBitsAt)
+      return std::nullopt;
+    return BitPlace{row.PlaceOf(UsageMapLayout::kInlineBitsAt + bit / 8),
                     static_cast<uint8_t>(1U << (bit % 8))};
   }
-  const uint32_t covered = Layout::PagesOfBitmap(file.format());
-  const size_t at = Layout::kPointersAt + Layout::kPointerBytes * (number / covered);
-  const uint32_t bitmap = at + Layout::kPointerBytes <= row.size() ? row.U32(at) : 0;
+  const uint32_t covered = UsageMapLayout::PagesOfBitmap(file.format());
+  const size_t at =
+      UsageMapLayout::kPointersAt + UsageMapLayout::kPointerBytes * (number / covered);
+  const uint32_t bitmap = at + UsageMapLayout::kPointerBytes <= row.size() ? row.U32(at) : 0;
   if (bitmap == 0) return std::nullopt;
   ReadBitmapPage(file, bitmap);
-  return BitPlace{{bitmap, Layout::kBitmapBitsAt + number % covered / 8}, mask};
+  return BitPlace{{bitmap, UsageMapLayout::kBitmapBitsAt + number % covered / 8}, mask};
 }
 
 void ChangeBit(JetFile& file, const BitPlace& place, bool value) {
@@ -87,7 +87,7 @@ std::optional<uint32_t> FindPageForMap(const JetFile& file, size_t size) {
 }  // namespace
 
 RowPointer NewMap(JetFile& file) {
-  const Bytes row(Layout::kInlineBitsAt + file.format().inline_map_bytes);
+  const Bytes row(UsageMapLayout::kInlineBitsAt + file.format().inline_map_bytes);
   const auto found = FindPageForMap(file, row.size());
   DataPageEditor page =
       found ? DataPageEditor(file, *found) : DataPageEditor(AllocatePage(file), kOwnerUsageMaps);

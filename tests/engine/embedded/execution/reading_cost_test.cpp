@@ -13,7 +13,7 @@ using dao::RecordsetType;
 
 constexpr int kRows = 10000;
 constexpr int kFew = 300;
-constexpr RecordsetType kBoth[] = {RecordsetType::kDynaset, RecordsetType::kSnapshot};
+constexpr RecordsetType kReadBothWays[] = {RecordsetType::kDynaset, RecordsetType::kSnapshot};
 
 class ReadingCost : public testing::Test {
  protected:
@@ -58,7 +58,7 @@ constexpr const char* kOrdered[] = {
 
 TEST_F(ReadingCost, TheFirstRowCostsNoMoreThanItself) {
   for (const char* const sql : kOrdered) {
-    for (const RecordsetType type : kBoth) {
+    for (const RecordsetType type : kReadBothWays) {
       Steps();
       const auto rows = Open(sql, type);
       EXPECT_FALSE(rows->AtEnd());
@@ -69,7 +69,7 @@ TEST_F(ReadingCost, TheFirstRowCostsNoMoreThanItself) {
 
 TEST_F(ReadingCost, TheLastRowCostsNoMoreThanItself) {
   for (const char* const sql : kOrdered) {
-    for (const RecordsetType type : kBoth) {
+    for (const RecordsetType type : kReadBothWays) {
       Steps();
       const auto rows = Open(sql, type);
       rows->MoveLast();
@@ -84,7 +84,7 @@ TEST_F(ReadingCost, TheLastRowCostsNoMoreThanItself) {
 }
 
 TEST_F(ReadingCost, EachMoveCostsOneRow) {
-  for (const RecordsetType type : kBoth) {
+  for (const RecordsetType type : kReadBothWays) {
     const auto rows = Open("select * from D where Tolva=1 order by Descarga", type);
     for (int i = 0; i < 10; ++i) {
       Steps();

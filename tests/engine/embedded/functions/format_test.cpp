@@ -9,8 +9,6 @@
 namespace ambrelio::embedded {
 namespace {
 
-constexpr Locale kSpanish = {',', '.', DateOrder::kDayMonthYear};
-
 class Format : public testing::Test {
  protected:
   static std::string Number(double value, std::string_view pattern) {

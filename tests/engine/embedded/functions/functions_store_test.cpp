@@ -6,8 +6,6 @@
 namespace ambrelio::embedded {
 namespace {
 
-constexpr Locale kSpanish = {',', '.', DateOrder::kDayMonthYear};
-
 class StoredValues : public testing::Test {
  protected:
   FunctionDb db_;

@@ -101,7 +101,7 @@ ExprPtr Binding::BindOn(const sql::Expr& on, const Source& left, const Source& r
 }
 
 void Binding::Fail(DaoError error, std::string_view detail) {
-  dao::Raise(error, "DAO.Database", std::string(detail));
+  dao::Raise(error, dao::source::kDatabase, std::string(detail));
 }
 
 void Binding::RequireAllNames() const {

@@ -18,9 +18,9 @@ std::vector<const FieldInfo*> NamedFields(const TableInfo& table,
   std::vector<const FieldInfo*> fields;
   for (const std::string& name : names) {
     const FieldInfo* field = table.FindField(name);
-    if (field == nullptr) dao::Raise(DaoError::kUnknownInsertColumn, "DAO.Database", name);
+    if (field == nullptr) dao::Raise(DaoError::kUnknownInsertColumn, dao::source::kDatabase, name);
     if (std::find(fields.begin(), fields.end(), field) != fields.end()) {
-      dao::Raise(DaoError::kDuplicateTarget, "DAO.Database", name);
+      dao::Raise(DaoError::kDuplicateTarget, dao::source::kDatabase, name);
     }
     fields.push_back(field);
   }

@@ -22,7 +22,7 @@ struct BindAny {
   }
   template <class Definition>
   bound::Statement operator()(const Definition& /*unused*/) const {
-    dao::Raise(dao::DaoError::kInvalidStatement, "DAO.Database");
+    dao::Raise(dao::DaoError::kInvalidStatement, dao::source::kDatabase);
   }
 };
 

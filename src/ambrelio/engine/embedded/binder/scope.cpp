@@ -81,7 +81,7 @@ ExprPtr Scope::Find(std::string_view qualifier, std::string_view name) const {
   }
   if (found == nullptr) return nullptr;
   if (several) {
-    dao::Raise(dao::DaoError::kAmbiguousColumn, "DAO.Database", std::string(name));
+    dao::Raise(dao::DaoError::kAmbiguousColumn, dao::source::kDatabase, std::string(name));
   }
   return found->Refer(column);
 }

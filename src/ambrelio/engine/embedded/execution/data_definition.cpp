@@ -14,7 +14,6 @@ namespace {
 using dao::DaoError;
 using dao::FieldType;
 
-constexpr const char* kSource = "DAO.Database";
 constexpr int32_t kDefaultTextSize = 255;
 constexpr const char* kPrimaryKeyName = "PrimaryKey";
 
@@ -75,14 +74,14 @@ std::string DefaultText(const sql::Expr& expr) {
     default:
       break;
   }
-  dao::Raise(DaoError::kFieldDefinitionSyntax, kSource, "default");
+  dao::Raise(DaoError::kFieldDefinitionSyntax, dao::source::kDatabase, "default");
 }
 
 FieldInfo MakeField(const sql::ColumnDefinition& column) {
   const auto* type = std::find_if(kTypeNames.begin(), kTypeNames.end(),
                                   [&](const TypeName& entry) { return entry.name == column.type; });
   if (type == kTypeNames.end()) {
-    dao::Raise(DaoError::kFieldDefinitionSyntax, kSource, column.type);
+    dao::Raise(DaoError::kFieldDefinitionSyntax, dao::source::kDatabase, column.type);
   }
   FieldInfo field;
   field.name = column.name;
@@ -127,8 +126,9 @@ std::vector<IndexInfo> IndexesOf(const sql::ColumnDefinition& column) {
 
 void RequireIndex(CatalogueStore& catalogue, const std::string& table, const std::string& index) {
   const TableInfo* found = catalogue.Current().FindTable(table);
-  if (found == nullptr) dao::Raise(DaoError::kUnknownTable, kSource, table);
-  if (found->FindIndex(index) == nullptr) dao::Raise(DaoError::kNoSuchIndex, kSource, index);
+  if (found == nullptr) dao::Raise(DaoError::kUnknownTable, dao::source::kDatabase, table);
+  if (found->FindIndex(index) == nullptr)
+    dao::Raise(DaoError::kNoSuchIndex, dao::source::kDatabase, index);
 }
 
 }  // namespace
@@ -138,7 +138,7 @@ void Define(const sql::CreateTable& statement, CatalogueStore& catalogue) {
   table.name = statement.name;
   for (const sql::ColumnDefinition& column : statement.columns) {
     if (table.FindField(column.name) != nullptr) {
-      dao::Raise(DaoError::kFieldExistsInAlter, kSource, column.name);
+      dao::Raise(DaoError::kFieldExistsInAlter, dao::source::kDatabase, column.name);
     }
     FieldInfo field = MakeField(column);
     field.position = static_cast<int16_t>(table.fields.size());
@@ -170,7 +170,7 @@ void Define(const sql::AlterTable& statement, CatalogueStore& catalogue) {
     case Action::kAddColumn: {
       const TableInfo* table = catalogue.Current().FindTable(statement.table);
       if (table != nullptr && table->FindField(statement.column.name) != nullptr) {
-        dao::Raise(DaoError::kFieldExistsInAlter, kSource, statement.column.name);
+        dao::Raise(DaoError::kFieldExistsInAlter, dao::source::kDatabase, statement.column.name);
       }
       FieldInfo field = MakeField(statement.column);
       if (table != nullptr && !table->fields.empty()) {

@@ -113,7 +113,8 @@ class Executor::Impl {
     const std::string& sql = SelectText(source, catalogue, of_name);
     sql::Shape shape = sql::ShapeOf(sql);
     const sql::Statement statement = sql::Parse(sql);
-    if (IsDefinition(statement)) dao::Raise(DaoError::kInvalidStatement, "DAO.Database", sql);
+    if (IsDefinition(statement))
+      dao::Raise(DaoError::kInvalidStatement, dao::source::kDatabase, sql);
     const PreparationGround ground = Ground(catalogue, shape);
     const Preparation preparation = std::holds_alternative<sql::Query>(statement)
                                         ? PrepareQuery(statement, ground, /*as_snapshot=*/false)
@@ -213,7 +214,7 @@ class Executor::Impl {
     if (!IsName(name)) return source;
     if (name.front() == '[') name = name.substr(1, name.size() - 2);
     if (catalogue.FindTable(name) == nullptr && catalogue.FindQuery(name) == nullptr) {
-      dao::Raise(DaoError::kUnknownTable, "DAO.Database", std::string(name));
+      dao::Raise(DaoError::kUnknownTable, dao::source::kDatabase, std::string(name));
     }
     of_name = "select * from [" + std::string(name) + "]";
     return of_name;

@@ -36,7 +36,7 @@ struct PrepareBound {
   bool strict;
 
   std::unique_ptr<Prepared> operator()(const std::unique_ptr<bound::Query>& /*unused*/) const {
-    dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
+    dao::Raise(dao::DaoError::kExecuteOnSelect, dao::source::kDatabase);
   }
   std::unique_ptr<Prepared> operator()(const bound::Insert& insert) const {
     return PrepareText(ground.storage, TranslateInsert(insert, strict));
@@ -75,7 +75,7 @@ Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGro
                            bool as_snapshot) {
   Storage& storage = ground.storage;
   if (!std::holds_alternative<sql::Query>(statement)) {
-    dao::Raise(dao::DaoError::kInvalidOperation, "DAO.Database");
+    dao::Raise(dao::DaoError::kInvalidOperation, dao::source::kDatabase);
   }
   BoundStatement bound = Bind(statement, ground.catalogue);
   auto& query = *std::get<std::unique_ptr<bound::Query>>(bound.statement);
@@ -107,7 +107,7 @@ Preparation PrepareQueryOn(const sql::Statement& statement, const PreparationGro
 Preparation PrepareWriteOn(const sql::Statement& statement, const PreparationGround& ground,
                            bool strict) {
   if (std::holds_alternative<sql::Query>(statement)) {
-    dao::Raise(dao::DaoError::kExecuteOnSelect, "DAO.Database");
+    dao::Raise(dao::DaoError::kExecuteOnSelect, dao::source::kDatabase);
   }
   BoundStatement bound = Bind(statement, ground.catalogue);
   Preparation result;

@@ -13,9 +13,9 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kRecordset = "DAO.Recordset";
-constexpr const char* kFields = "DAO.Fields";
-constexpr const char* kField = "DAO.Field";
+constexpr const char* kRecordset = dao::source::kRecordset;
+constexpr const char* kFields = dao::source::kFields;
+constexpr const char* kField = dao::source::kField;
 
 // What a recordset and its fields share; a field can outlive its recordset.
 class State {

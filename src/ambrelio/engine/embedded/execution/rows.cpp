@@ -112,7 +112,7 @@ class DynasetRows final : public Rows {
     }
   }
   Variant Value(size_t column) const override {
-    if (current_.Count() == 0) dao::Raise(dao::DaoError::kRecordDeleted, "DAO.Recordset");
+    if (current_.Count() == 0) dao::Raise(dao::DaoError::kRecordDeleted, dao::source::kRecordset);
     return current_.Value(0, column);
   }
 

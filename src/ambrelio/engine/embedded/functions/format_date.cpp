@@ -43,9 +43,9 @@ struct Halves {
 constexpr Halves kHalves[] = {
     {"AM/PM", "AM", "PM"}, {"am/pm", "am", "pm"}, {"A/P", "A", "P"}, {"a/p", "a", "p"}};
 
-class Printer {
+class DatePrinter {
  public:
-  Printer(OleDate date, const Pattern& pattern)
+  DatePrinter(OleDate date, const Pattern& pattern)
       : date_(date), civil_(date.Civil()), pattern_(pattern) {
     for (size_t i = 0; i < pattern.size(); ++i) has_halves_ = has_halves_ || HalvesAt(i);
   }
@@ -148,7 +148,7 @@ class Printer {
 }  // namespace
 
 std::string FormatDate(OleDate date, const Pattern& pattern) {
-  return Printer(date, pattern).Print();
+  return DatePrinter(date, pattern).Print();
 }
 
 }  // namespace ambrelio::embedded

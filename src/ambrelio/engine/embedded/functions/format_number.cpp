@@ -73,9 +73,9 @@ Layout Measure(const Pattern& section) {
 }
 
 // Lays the digits of a number without sign into a section.
-class Printer {
+class NumberPrinter {
  public:
-  Printer(const Pattern& section, Decimal number)
+  NumberPrinter(const Pattern& section, Decimal number)
       : section_(section), layout_(Measure(section)), number_(std::move(number)) {
     number_.negative = false;
     if (number_.digits.empty()) {
@@ -198,10 +198,10 @@ std::string FormatNumber(double value, const std::vector<Pattern>& sections) {
   const auto given = [&sections](size_t i) { return sections.size() > i && !sections[i].empty(); };
   const Decimal number = Decimal::FromDouble(value, kSignificantDigits);
   if (value < 0) {
-    if (given(1)) return Printer(sections[1], number).Print();
-    return std::string(1, '-').append(Printer(sections[0], number).Print());
+    if (given(1)) return NumberPrinter(sections[1], number).Print();
+    return std::string(1, '-').append(NumberPrinter(sections[0], number).Print());
   }
-  return Printer(sections[value == 0 && given(2) ? 2 : 0], number).Print();
+  return NumberPrinter(sections[value == 0 && given(2) ? 2 : 0], number).Print();
 }
 
 }  // namespace ambrelio::embedded

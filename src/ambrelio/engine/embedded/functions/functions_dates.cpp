@@ -69,7 +69,7 @@ void DateValue(sqlite3_context* context, Arguments arguments) {
 
 constexpr bool kChanging = false;
 
-constexpr Function kFunctions[] = {
+constexpr Function kDateFunctions[] = {
     {"jet_now", 0, 0, Now, Nulls::kGiveNull, kChanging},
     {"jet_date", 0, 0, Today, Nulls::kGiveNull, kChanging},
     {"jet_time", 0, 0, Time, Nulls::kGiveNull, kChanging},
@@ -90,6 +90,6 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-void RegisterDateFunctions(sqlite3* db) { RegisterScalars(db, kFunctions); }
+void RegisterDateFunctions(sqlite3* db) { RegisterScalars(db, kDateFunctions); }
 
 }  // namespace ambrelio::embedded

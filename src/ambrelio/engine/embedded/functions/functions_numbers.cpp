@@ -25,7 +25,7 @@ void Abs(sqlite3_context* context, Arguments arguments) {
   SetNumber(context, number);
 }
 
-void Sign(sqlite3_context* context, Arguments arguments) {
+void Sgn(sqlite3_context* context, Arguments arguments) {
   const double number = NumberOf(arguments[0]);
   sqlite3_result_int(context, number > 0 ? 1 : (number < 0 ? -1 : 0));
 }
@@ -83,11 +83,11 @@ void Format(sqlite3_context* context, Arguments arguments) {
   SetText(context, FormatValue(value, TextOf(arguments[1]), TypeOf(arguments[2])));
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kNumberFunctions[] = {
     {"jet_int", 1, 1, ChangeFraction<std::floor>},
     {"jet_fix", 1, 1, ChangeFraction<std::trunc>},
     {"jet_abs", 1, 1, Abs},
-    {"jet_sgn", 1, 1, Sign},
+    {"jet_sgn", 1, 1, Sgn},
     {"jet_round", 1, 2, Round},
     {"jet_val", 1, 1, Val},
     {"jet_cint", 1, 1, ToWhole<IntegerOf>, Nulls::kAreTaken},
@@ -105,6 +105,6 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-void RegisterNumberFunctions(sqlite3* db) { RegisterScalars(db, kFunctions); }
+void RegisterNumberFunctions(sqlite3* db) { RegisterScalars(db, kNumberFunctions); }
 
 }  // namespace ambrelio::embedded

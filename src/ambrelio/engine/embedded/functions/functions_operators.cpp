@@ -61,7 +61,7 @@ void Like(sqlite3_context* context, Arguments arguments) {
   sqlite3_result_int(context, matches ? 1 : 0);
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kOperatorFunctions[] = {
     {"jet_divide", 2, 2, Divide}, {"jet_int_divide", 2, 2, DivideWhole},
     {"jet_mod", 2, 2, Remainder}, {"jet_power", 2, 2, Power},
     {"jet_like", 2, 2, Like},     {"jet_concat", 2, 2, Concat, Nulls::kAreTaken},
@@ -69,6 +69,6 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-void RegisterOperators(sqlite3* db) { RegisterScalars(db, kFunctions); }
+void RegisterOperators(sqlite3* db) { RegisterScalars(db, kOperatorFunctions); }
 
 }  // namespace ambrelio::embedded

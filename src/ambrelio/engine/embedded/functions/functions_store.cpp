@@ -8,8 +8,6 @@ namespace ambrelio::embedded {
 
 namespace {
 
-constexpr const char* kSource = "DAO.Database";
-
 bool Strict(Arguments arguments) { return sqlite3_value_int(arguments.back()) != 0; }
 
 // Sets the converted value, or what stands for one that does not convert (Null unless said).
@@ -18,7 +16,7 @@ void Store(Arguments arguments, const Convert& convert) {
   try {
     convert(arguments[0]);
   } catch (const AutomationError&) {
-    if (Strict(arguments)) dao::Raise(dao::DaoError::kConversion, kSource);
+    if (Strict(arguments)) dao::Raise(dao::DaoError::kConversion, dao::source::kDatabase);
   }
 }
 
@@ -50,11 +48,11 @@ void StoreText(sqlite3_context* context, Arguments arguments) {
   const std::string_view text = TextOf(arguments[0], buffer);
   const auto size = static_cast<size_t>(sqlite3_value_int(arguments[1]));
   if (size == 0 || text.size() <= size || Utf8Length(text) <= size) return SetText(context, text);
-  if (Strict(arguments)) dao::Raise(dao::DaoError::kTextTooLong, kSource);
+  if (Strict(arguments)) dao::Raise(dao::DaoError::kTextTooLong, dao::source::kDatabase);
   SetText(context, Utf8Prefix(text, size));
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kStoreFunctions[] = {
     {"jet_to_boolean", 2, 2, StoreBoolean, Nulls::kAreTaken},
     {"jet_to_byte", 2, 2, StoreWhole<ByteOf>},
     {"jet_to_integer", 2, 2, StoreWhole<IntegerOf>},
@@ -68,6 +66,6 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-void RegisterStoring(sqlite3* db) { RegisterScalars(db, kFunctions); }
+void RegisterStoring(sqlite3* db) { RegisterScalars(db, kStoreFunctions); }
 
 }  // namespace ambrelio::embedded

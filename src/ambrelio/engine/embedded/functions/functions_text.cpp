@@ -146,7 +146,7 @@ void Asc(sqlite3_context* context, Arguments arguments) {
   sqlite3_result_int(context, static_cast<unsigned char>(Utf8ToWindows1252(first).front()));
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kTextFunctions[] = {
     {"jet_left", 2, 2, Left},
     {"jet_right", 2, 2, Right},
     {"jet_mid", 2, 3, Mid},
@@ -166,6 +166,6 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-void RegisterTextFunctions(sqlite3* db) { RegisterScalars(db, kFunctions); }
+void RegisterTextFunctions(sqlite3* db) { RegisterScalars(db, kTextFunctions); }
 
 }  // namespace ambrelio::embedded

@@ -28,7 +28,7 @@ bool IsName(std::string_view clause, const Words& statement) {
 }  // namespace
 
 void FailToTakeApart(const Words& words) {
-  dao::Raise(dao::DaoError::kInvalidArgument, "DAO.Database",
+  dao::Raise(dao::DaoError::kInvalidArgument, dao::source::kDatabase,
              "a stored query cannot be made of '" + words.Text() + "'.");
 }
 

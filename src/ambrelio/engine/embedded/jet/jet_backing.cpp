@@ -200,7 +200,7 @@ void JetBacking::Agree(const Catalogue& now, const JetCatalogue& in_file) {
 
 void JetBacking::Need(const TablesTouched& tables) {
   if (file_->read_only() && !tables.written.empty()) {
-    dao::Raise(DaoError::kReadOnly, "DAO.Database");
+    dao::Raise(DaoError::kReadOnly, dao::source::kDatabase);
   }
   std::vector<std::string> missing;
   for (const std::string& name : tables.read) {
@@ -267,7 +267,7 @@ void JetBacking::Save() {
   std::optional<Catalogue> redefined;
   if (ReadStamp(storage_) != stamp_) redefined = ReadCatalogue(storage_);
   if (!redefined && written_.empty()) return;
-  if (file_->read_only()) dao::Raise(DaoError::kReadOnly, "DAO.Workspace");
+  if (file_->read_only()) dao::Raise(DaoError::kReadOnly, dao::source::kWorkspace);
   CheckRelationships();
   const std::map<uint32_t, jetfile::Page> before = pages().changes();
   try {

@@ -45,7 +45,7 @@ void CreateJet(const std::string& path, const std::string& password) {
     try {
       WriteFileAtomically(unfinished, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     } catch (const AutomationError&) {
-      dao::Raise(dao::DaoError::kAccessDenied, "DAO.Workspace", path);
+      dao::Raise(dao::DaoError::kAccessDenied, dao::source::kWorkspace, path);
     }
   });
 }

@@ -75,9 +75,9 @@ class PartTaker {
     if (type.size() == 4 && type.From(1).Text().find("255") != std::string::npos) {
       type = type.Part(0, 1);
     }
-    const auto known = std::find_if(
-        jetfile::kParameterTypes.begin(), jetfile::kParameterTypes.end(),
-        [&type](const auto& one) { return UpperCase(one.word) == UpperCase(type.Text()); });
+    const auto known =
+        std::find_if(jetfile::kParameterTypes.begin(), jetfile::kParameterTypes.end(),
+                     [&type](const auto& one) { return SameText(one.word, type.Text()); });
     if (known == jetfile::kParameterTypes.end()) FailToTakeApart(type);
     return known->flag;
   }

@@ -46,9 +46,8 @@ std::string TableNamedIn(const Words& words, const Names& tables) {
   for (size_t i = 0; i + 1 < words.size(); ++i) {
     const auto name = words.Part(i, i + 1).Name();
     if (!name || !words.IsSymbol(i + 1, '.')) continue;
-    const auto found = std::find_if(tables.begin(), tables.end(), [&name](const auto& table) {
-      return UpperCase(table) == UpperCase(*name);
-    });
+    const auto found = std::find_if(tables.begin(), tables.end(),
+                                    [&name](const auto& table) { return SameText(table, *name); });
     if (found != tables.end()) return *found;
   }
   return tables.front();

@@ -51,7 +51,7 @@ void CheckRelationship(Storage& storage, const Relationship& relationship, const
     for (const auto& [number, is_new] : in_child->second) {
       lonely.Bind(1, number);
       if (lonely.Step()) {
-        dao::Raise(DaoError::kPartnerNeeded, "DAO.Database", relationship.parent);
+        dao::Raise(DaoError::kPartnerNeeded, dao::source::kDatabase, relationship.parent);
       }
       lonely.Reset();
     }
@@ -59,7 +59,7 @@ void CheckRelationship(Storage& storage, const Relationship& relationship, const
   const auto in_parent = written.find(relationship.parent);
   if (in_parent == written.end() || !HasOldRows(in_parent->second)) return;
   StorageStatement lonely(storage.raw(), Lonely(relationship) + " limit 1");
-  if (lonely.Step()) dao::Raise(DaoError::kHasPartners, "DAO.Database", relationship.child);
+  if (lonely.Step()) dao::Raise(DaoError::kHasPartners, dao::source::kDatabase, relationship.child);
 }
 
 }  // namespace ambrelio::embedded

@@ -10,7 +10,7 @@ using dao::DaoError;
 
 namespace {
 
-constexpr DaoError kError = DaoError::kExpressionSyntax;
+constexpr DaoError kExpressionError = DaoError::kExpressionSyntax;
 
 }  // namespace
 
@@ -36,7 +36,7 @@ ExprPtr Parser::ParseOperand() {
   if (tokens_.AtWord("exists")) return ParseExists();
   if (AtCall()) return ParseCall();
   if (tokens_.AtName()) return ParseColumn();
-  tokens_.Fail(kError);
+  tokens_.Fail(kExpressionError);
 }
 
 ExprPtr Parser::ParseConstant() {
@@ -61,16 +61,16 @@ ExprPtr Parser::ParseBracketed() {
     expr = Make(ExprKind::kScalar, offset);
     AddQuery(*expr);
   } else {
-    tokens_.ExpectSymbol("(", kError);
-    expr = ParseClauseExpression(kError);
-    tokens_.ExpectSymbol(")", kError);
+    tokens_.ExpectSymbol("(", kExpressionError);
+    expr = ParseClauseExpression(kExpressionError);
+    tokens_.ExpectSymbol(")", kExpressionError);
   }
   return expr;
 }
 
 ExprPtr Parser::ParseExists() {
   ExprPtr expr = Make(ExprKind::kExists, tokens_.Take().offset);
-  if (!tokens_.AtBracketedQuery()) tokens_.Fail(kError);
+  if (!tokens_.AtBracketedQuery()) tokens_.Fail(kExpressionError);
   AddQuery(*expr);
   return expr;
 }
@@ -80,13 +80,14 @@ ExprPtr Parser::ParseCall() {
   Token name = tokens_.Take();
   ExprPtr expr = Make(ExprKind::kCall, name.offset);
   expr->name = std::move(name.text);
-  tokens_.ExpectSymbol("(", kError);
+  tokens_.ExpectSymbol("(", kExpressionError);
   expr->star = tokens_.TakeSymbol("*");
   if (!expr->star && !tokens_.AtSymbol(")")) {
     expr->distinct = tokens_.TakeWord("distinct");
-    for (ExprPtr& argument : ParseExpressionList(kError)) AddOperand(*expr, std::move(argument));
+    for (ExprPtr& argument : ParseExpressionList(kExpressionError))
+      AddOperand(*expr, std::move(argument));
   }
-  tokens_.ExpectSymbol(")", kError);
+  tokens_.ExpectSymbol(")", kExpressionError);
   return expr;
 }
 
@@ -96,12 +97,12 @@ ExprPtr Parser::ParseColumn() {
   ExprPtr expr = Make(ExprKind::kColumn, name.offset);
   if (tokens_.TakeSymbol(".") || tokens_.TakeSymbol("!")) {
     const TokenKind kind = tokens_.Peek().kind;
-    if (kind != TokenKind::kWord && kind != TokenKind::kName) tokens_.Fail(kError);
+    if (kind != TokenKind::kWord && kind != TokenKind::kName) tokens_.Fail(kExpressionError);
     expr->qualifier = std::move(name.text);
     name = tokens_.Take();
   }
   expr->name = std::move(name.text);
-  if (tokens_.AtSymbol(".") || tokens_.AtSymbol("!")) tokens_.Fail(kError);
+  if (tokens_.AtSymbol(".") || tokens_.AtSymbol("!")) tokens_.Fail(kExpressionError);
   return expr;
 }
 
@@ -118,7 +119,7 @@ void Parser::AddOperand(Expr& expr, ExprPtr operand) {
 }
 
 void Parser::AddQuery(Expr& expr) {
-  expr.query = std::make_unique<Query>(ParseBracketedQuery(kError));
+  expr.query = std::make_unique<Query>(ParseBracketedQuery(kExpressionError));
   SetHeight(expr, std::max(expr.height, expr.query->height + 1));
 }
 

@@ -23,11 +23,11 @@ std::string TextNear(std::string_view text, size_t offset) {
 }
 
 void RaiseNear(dao::DaoError error, std::string_view text, size_t offset) {
-  dao::Raise(error, "DAO.Database", TextNear(text, offset));
+  dao::Raise(error, dao::source::kDatabase, TextNear(text, offset));
 }
 
 void RaiseTooComplex(std::string_view text, size_t offset) {
-  dao::Raise(dao::DaoError::kExpressionSyntax, "DAO.Database",
+  dao::Raise(dao::DaoError::kExpressionSyntax, dao::source::kDatabase,
              "too complex: " + TextNear(text, offset));
 }
 

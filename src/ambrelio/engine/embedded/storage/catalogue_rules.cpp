@@ -14,7 +14,6 @@ namespace {
 using dao::DaoError;
 using dao::FieldType;
 
-constexpr const char* kSource = "DAO.Fields";
 constexpr size_t kMostNameCharacters = 64;
 constexpr size_t kMostFields = 255;
 constexpr int32_t kUsualTextSize = 50;
@@ -55,7 +54,7 @@ int32_t CheckedSize(const FieldInfo& field) {
   if (field.type != FieldType::kText) return 0;
   const int32_t size = field.size == 0 ? kUsualTextSize : field.size;
   if (size < 0 || size > kMostTextSize) {
-    dao::Raise(DaoError::kInvalidFieldType, kSource,
+    dao::Raise(DaoError::kInvalidFieldType, dao::source::kFields,
                field.name + " with a size of " + std::to_string(size));
   }
   return size;
@@ -64,12 +63,13 @@ int32_t CheckedSize(const FieldInfo& field) {
 void CheckFieldName(const TableInfo& table, const FieldInfo& field) {
   CheckName(field.name);
   if (table.FindField(field.name) != nullptr) {
-    dao::Raise(DaoError::kFieldExists, kSource, field.name);
+    dao::Raise(DaoError::kFieldExists, dao::source::kFields, field.name);
   }
   // The rows of a table need a name for their number that no field has.
   TableInfo grown = table;
   grown.fields.push_back(field);
-  if (RowIdName(grown).empty()) dao::Raise(DaoError::kInvalidName, kSource, field.name);
+  if (RowIdName(grown).empty())
+    dao::Raise(DaoError::kInvalidName, dao::source::kFields, field.name);
 }
 
 }  // namespace
@@ -82,7 +82,7 @@ void CheckName(const std::string& name) {
            std::string_view(".![]`").find(c) != std::string_view::npos;
   });
   if (!fits || !clean || name.front() == ' ' || IsReserved(name)) {
-    dao::Raise(DaoError::kInvalidName, "DAO.Database", name);
+    dao::Raise(DaoError::kInvalidName, dao::source::kDatabase, name);
   }
 }
 
@@ -91,11 +91,11 @@ FieldInfo CheckedField(const TableInfo& table, const FieldInfo& field) {
   checked.attributes &= dao::kAutoIncrement;
   const bool counter = checked.attributes != 0;
   if (!IsType(field.type) || (counter && field.type != FieldType::kLong)) {
-    dao::Raise(DaoError::kInvalidFieldType, kSource, field.name);
+    dao::Raise(DaoError::kInvalidFieldType, dao::source::kFields, field.name);
   }
   CheckFieldName(table, field);
   if (table.fields.size() >= kMostFields) {
-    dao::Raise(DaoError::kTooManyFields, kSource);
+    dao::Raise(DaoError::kTooManyFields, dao::source::kFields);
   }
   checked.size = CheckedSize(field);
   if (checked.position < 0) checked.position = NextPosition(table);
@@ -117,22 +117,24 @@ FieldInfo CheckedChange(const TableInfo& table, const FieldInfo& field, const Fi
 IndexInfo CheckedIndex(const TableInfo& table, const IndexInfo& index) {
   CheckName(index.name);
   if (table.FindIndex(index.name) != nullptr) {
-    dao::Raise(DaoError::kIndexExists, "DAO.Indexes", index.name);
+    dao::Raise(DaoError::kIndexExists, dao::source::kIndexes, index.name);
   }
   if (index.primary && table.PrimaryKey() != nullptr) {
-    dao::Raise(DaoError::kPrimaryKeyExists, "DAO.Indexes", table.name);
+    dao::Raise(DaoError::kPrimaryKeyExists, dao::source::kIndexes, table.name);
   }
-  if (index.columns.empty()) dao::Raise(DaoError::kNothingDefined, "DAO.Indexes", index.name);
+  if (index.columns.empty())
+    dao::Raise(DaoError::kNothingDefined, dao::source::kIndexes, index.name);
   IndexInfo checked = index;
   checked.unique = index.unique || index.primary;
   checked.required = index.required || index.primary;
   checked.columns.clear();
   for (const IndexColumn& column : index.columns) {
     const FieldInfo* const field = table.FindField(column.name);
-    if (field == nullptr) dao::Raise(DaoError::kUnknownIndexField, "DAO.Indexes", column.name);
+    if (field == nullptr)
+      dao::Raise(DaoError::kUnknownIndexField, dao::source::kIndexes, column.name);
     for (const IndexColumn& other : checked.columns) {
       if (other.name == field->name) {
-        dao::Raise(DaoError::kNameInCollection, "DAO.Indexes", column.name);
+        dao::Raise(DaoError::kNameInCollection, dao::source::kIndexes, column.name);
       }
     }
     checked.columns.push_back({field->name, column.descending});
@@ -142,7 +144,8 @@ IndexInfo CheckedIndex(const TableInfo& table, const IndexInfo& index) {
 
 TableInfo CheckedTable(const TableInfo& table) {
   CheckName(table.name);
-  if (table.fields.empty()) dao::Raise(DaoError::kNothingDefined, "DAO.TableDefs", table.name);
+  if (table.fields.empty())
+    dao::Raise(DaoError::kNothingDefined, dao::source::kTableDefs, table.name);
   TableInfo checked;
   checked.name = table.name;
   for (const FieldInfo& field : table.fields) {

@@ -80,7 +80,7 @@ void CatalogueStore::ChangeTable(std::string_view name,
                                  const std::function<void(const TableInfo&)>& change_rows) {
   Change([&] {
     const TableInfo before =
-        There(catalogue_.FindTable(name), DaoError::kUnknownTable, "DAO.Database", name);
+        There(catalogue_.FindTable(name), DaoError::kUnknownTable, dao::source::kDatabase, name);
     storage_.Need({.read = {before.name}, .written = {}});
     change_rows(before);
     Reshape(storage_, before, *ReadCatalogue(storage_).FindTable(before.id));
@@ -101,10 +101,10 @@ void CatalogueStore::MakeKeptIndexes() {
 
 void CatalogueStore::CheckTableNameFree(const std::string& name) {
   if (catalogue_.FindTable(name) != nullptr) {
-    dao::Raise(DaoError::kTableExists, "DAO.TableDefs", name);
+    dao::Raise(DaoError::kTableExists, dao::source::kTableDefs, name);
   }
   if (catalogue_.FindQuery(name) != nullptr) {
-    dao::Raise(DaoError::kObjectExists, "DAO.TableDefs", name);
+    dao::Raise(DaoError::kObjectExists, dao::source::kTableDefs, name);
   }
 }
 
@@ -127,8 +127,8 @@ void CatalogueStore::RenameTable(std::string_view name, const std::string& new_n
 
 void CatalogueStore::DropTable(std::string_view name) {
   Change([&] {
-    const TableInfo& table =
-        There(catalogue_.FindTable(name), DaoError::kNotInCollection, "DAO.TableDefs", name);
+    const TableInfo& table = There(catalogue_.FindTable(name), DaoError::kNotInCollection,
+                                   dao::source::kTableDefs, name);
     DeleteTableRows(storage_, table.id);
     storage_.Run("DROP TABLE " + QuoteName(table.name));
   });
@@ -145,16 +145,16 @@ void CatalogueStore::AddField(std::string_view table, const FieldInfo& field) {
 void CatalogueStore::DropField(std::string_view table, std::string_view field) {
   ChangeTable(table, [&](const TableInfo& before) {
     const FieldInfo& found =
-        There(before.FindField(field), DaoError::kNotInCollection, "DAO.Fields", field);
+        There(before.FindField(field), DaoError::kNotInCollection, dao::source::kFields, field);
     for (const IndexInfo& index : before.indexes) {
       for (const IndexColumn& column : index.columns) {
         if (column.name == found.name) {
-          dao::Raise(DaoError::kFieldInIndex, "DAO.Fields", found.name);
+          dao::Raise(DaoError::kFieldInIndex, dao::source::kFields, found.name);
         }
       }
     }
     if (before.fields.size() == 1) {
-      dao::Raise(DaoError::kNothingDefined, "DAO.Fields", before.name);
+      dao::Raise(DaoError::kNothingDefined, dao::source::kFields, before.name);
     }
     DeleteFieldRow(storage_, found.id);
   });
@@ -164,7 +164,7 @@ void CatalogueStore::ChangeField(std::string_view table, std::string_view field,
                                  const FieldInfo& changed) {
   ChangeTable(table, [&](const TableInfo& before) {
     const FieldInfo& found =
-        There(before.FindField(field), DaoError::kNotInCollection, "DAO.Fields", field);
+        There(before.FindField(field), DaoError::kNotInCollection, dao::source::kFields, field);
     UpdateFieldRow(storage_, CheckedChange(before, found, changed));
   });
 }
@@ -179,9 +179,9 @@ void CatalogueStore::CreateIndex(std::string_view table, const IndexInfo& index)
 
 void CatalogueStore::DropIndex(std::string_view table, std::string_view index) {
   ChangeTable(table, [&](const TableInfo& before) {
-    DeleteIndexRows(
-        storage_,
-        There(before.FindIndex(index), DaoError::kNotInCollection, "DAO.Indexes", index).id);
+    DeleteIndexRows(storage_, There(before.FindIndex(index), DaoError::kNotInCollection,
+                                    dao::source::kIndexes, index)
+                                  .id);
   });
 }
 
@@ -190,7 +190,7 @@ void CatalogueStore::CreateQuery(const QueryInfo& query) {
   Change([&] {
     if (catalogue_.FindQuery(query.name) != nullptr ||
         catalogue_.FindTable(query.name) != nullptr) {
-      dao::Raise(DaoError::kObjectExists, "DAO.QueryDefs", query.name);
+      dao::Raise(DaoError::kObjectExists, dao::source::kQueryDefs, query.name);
     }
     InsertQueryRow(storage_, query);
   });
@@ -198,17 +198,17 @@ void CatalogueStore::CreateQuery(const QueryInfo& query) {
 
 void CatalogueStore::ChangeQuery(std::string_view name, const std::string& sql) {
   Change([&] {
-    const QueryInfo& query =
-        There(catalogue_.FindQuery(name), DaoError::kNotInCollection, "DAO.QueryDefs", name);
+    const QueryInfo& query = There(catalogue_.FindQuery(name), DaoError::kNotInCollection,
+                                   dao::source::kQueryDefs, name);
     UpdateQueryRow(storage_, query.id, sql);
   });
 }
 
 void CatalogueStore::DropQuery(std::string_view name) {
   Change([&] {
-    DeleteQueryRow(
-        storage_,
-        There(catalogue_.FindQuery(name), DaoError::kNotInCollection, "DAO.QueryDefs", name).id);
+    DeleteQueryRow(storage_, There(catalogue_.FindQuery(name), DaoError::kNotInCollection,
+                                   dao::source::kQueryDefs, name)
+                                 .id);
   });
 }
 

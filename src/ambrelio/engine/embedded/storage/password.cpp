@@ -8,7 +8,6 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.Workspace";
 constexpr const char* kSetting = "password";
 constexpr size_t kMostCharacters = 20;
 
@@ -42,7 +41,7 @@ std::string Key(std::string_view text) {
 std::string PasswordOf(std::string_view connect) {
   const std::string type = Key(connect.substr(0, connect.find(';')));
   if (!type.empty() && type != "ms access") {
-    dao::Raise(dao::DaoError::kUnknownDatabaseType, kSource, type);
+    dao::Raise(dao::DaoError::kUnknownDatabaseType, dao::source::kWorkspace, type);
   }
   std::string password;
   for (size_t start = connect.find(';'); start != std::string_view::npos;) {
@@ -59,7 +58,8 @@ std::string PasswordOf(std::string_view connect) {
 }
 
 void CheckNewPassword(const std::string& password) {
-  if (Utf8Length(password) > kMostCharacters) dao::Raise(DaoError::kWrongPassword, kSource);
+  if (Utf8Length(password) > kMostCharacters)
+    dao::Raise(DaoError::kWrongPassword, dao::source::kWorkspace);
 }
 
 void SetPassword(CatalogueStore& catalogue, const std::string& password) {
@@ -69,7 +69,7 @@ void SetPassword(CatalogueStore& catalogue, const std::string& password) {
 void CheckPassword(CatalogueStore& catalogue, const std::string& password) {
   const std::string masked = catalogue.Setting(kSetting);
   if (!masked.empty() && masked != Masked(password)) {
-    dao::Raise(DaoError::kWrongPassword, kSource);
+    dao::Raise(DaoError::kWrongPassword, dao::source::kWorkspace);
   }
 }
 

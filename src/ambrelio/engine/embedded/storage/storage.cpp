@@ -31,12 +31,12 @@ constexpr int kSimplifyJoin = 0x00002000;
   switch (code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      dao::Raise(DaoError::kFileInUse, "DAO.Workspace", path);
+      dao::Raise(DaoError::kFileInUse, dao::source::kWorkspace, path);
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
-      dao::Raise(DaoError::kAccessDenied, "DAO.Workspace", path);
+      dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, path);
     case SQLITE_ERROR:  // a header with a format that there is not
-      dao::Raise(DaoError::kNotADatabaseOrDamaged, "DAO.Workspace", path);
+      dao::Raise(DaoError::kNotADatabaseOrDamaged, dao::source::kWorkspace, path);
     default:
       RaiseStorageError(db, code);
   }
@@ -254,7 +254,8 @@ void Storage::Begin() {
 // knows nothing of.
 void Storage::Commit() {
   SettleReads();
-  if (level_ == 0 || transaction_lost()) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
+  if (level_ == 0 || transaction_lost())
+    dao::Raise(DaoError::kNoTransaction, dao::source::kWorkspace);
   if (level_ > 1) {
     RunKept("release " + Savepoint(level_));
   } else {
@@ -275,7 +276,7 @@ void Storage::Commit() {
 // What was read in the level stays as it was read.
 void Storage::Rollback() {
   SettleReads();
-  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, "DAO.Workspace");
+  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, dao::source::kWorkspace);
   if (!transaction_lost()) {
     if (level_ > 1) {
       RunKept("rollback to " + Savepoint(level_));

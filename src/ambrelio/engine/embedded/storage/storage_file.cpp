@@ -17,7 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.Workspace";
 constexpr const char* kLog = "-wal";
 
 // The places of SQLite's header that matter here.
@@ -30,12 +29,12 @@ constexpr size_t kJetMarkAt = 4;
 
 void CheckFolder(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos) {
-    dao::Raise(DaoError::kInvalidDatabaseName, kSource, path);
+    dao::Raise(DaoError::kInvalidDatabaseName, dao::source::kWorkspace, path);
   }
   const fs::path folder = FilePath(path).parent_path();
   std::error_code error;
   if (!folder.empty() && !fs::is_directory(folder, error)) {
-    dao::Raise(DaoError::kInvalidPath, kSource, path);
+    dao::Raise(DaoError::kInvalidPath, dao::source::kWorkspace, path);
   }
 }
 
@@ -66,11 +65,13 @@ int32_t NumberAt(std::string_view header, size_t place) {
 }
 
 void CheckHeader(std::string_view header, const std::string& path) {
-  if (!header.starts_with(kSqliteMark)) dao::Raise(DaoError::kUnrecognisedFormat, kSource, path);
-  if (header.size() < kHeaderSize) dao::Raise(DaoError::kNotADatabaseOrDamaged, kSource, path);
+  if (!header.starts_with(kSqliteMark))
+    dao::Raise(DaoError::kUnrecognisedFormat, dao::source::kWorkspace, path);
+  if (header.size() < kHeaderSize)
+    dao::Raise(DaoError::kNotADatabaseOrDamaged, dao::source::kWorkspace, path);
   if (NumberAt(header, kApplicationAt) != kApplicationId ||
       NumberAt(header, kVersionAt) > kFormatVersion) {
-    dao::Raise(DaoError::kUnrecognisedFormat, kSource, path);
+    dao::Raise(DaoError::kUnrecognisedFormat, dao::source::kWorkspace, path);
   }
 }
 
@@ -81,13 +82,14 @@ void CheckDatabaseFile(const std::string& path) {
   std::error_code error;
   const fs::file_status status = fs::status(FilePath(path), error);
   if (status.type() == fs::file_type::not_found) {
-    dao::Raise(DaoError::kFileNotFound, kSource, path);
+    dao::Raise(DaoError::kFileNotFound, dao::source::kWorkspace, path);
   }
-  if (status.type() != fs::file_type::regular) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  if (status.type() != fs::file_type::regular)
+    dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, path);
   const std::optional<std::string> header = ReadHeader(path);
   if (!header) {
-    dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied, kSource,
-               path);
+    dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied,
+               dao::source::kWorkspace, path);
   }
   CheckHeader(*header, path);
 }
@@ -106,13 +108,14 @@ void CreateWhole(const std::string& path, const std::function<void(const std::st
   CheckFolder(path);
   for (const char* const suffix : {"", kLog}) {
     if (CompanionExists(path, suffix))
-      dao::Raise(DaoError::kDatabaseExists, kSource, path + suffix);
+      dao::Raise(DaoError::kDatabaseExists, dao::source::kWorkspace, path + suffix);
   }
   const UnfinishedFile file(path, {kLog, "-shm", "-journal"});
   write(file.path());
   const std::error_code error = file.TakePlace();
-  if (error == std::errc::file_exists) dao::Raise(DaoError::kDatabaseExists, kSource, path);
-  if (error) dao::Raise(DaoError::kAccessDenied, kSource, path);
+  if (error == std::errc::file_exists)
+    dao::Raise(DaoError::kDatabaseExists, dao::source::kWorkspace, path);
+  if (error) dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, path);
 }
 
 std::string ImmutableUri(const std::string& path) {

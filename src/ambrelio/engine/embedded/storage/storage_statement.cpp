@@ -10,8 +10,6 @@
 namespace ambrelio::embedded {
 namespace {
 
-constexpr const char* kSource = "DAO.Database";
-
 // What SQLite sets behind the colon: the columns of a broken key, the name of a broken check.
 std::string Detail(std::string_view message) {
   const size_t colon = message.find(": ");
@@ -22,18 +20,18 @@ std::string Detail(std::string_view message) {
   using dao::DaoError;
   switch (code) {
     case SQLITE_CONSTRAINT_COMMITHOOK:
-      dao::Raise(DaoError::kNoTransaction, kSource);
+      dao::Raise(DaoError::kNoTransaction, dao::source::kDatabase);
     case SQLITE_CONSTRAINT_NOTNULL:
-      dao::Raise(DaoError::kNullInPrimaryKey, kSource, detail);
+      dao::Raise(DaoError::kNullInPrimaryKey, dao::source::kDatabase, detail);
     case SQLITE_CONSTRAINT_CHECK: {
       const size_t colon = detail.find(':');
       const std::string field = colon == std::string::npos ? detail : detail.substr(colon + 1);
       dao::Raise(detail.substr(0, colon) == kZeroLengthRule ? DaoError::kZeroLengthText
                                                             : DaoError::kNullInRequiredField,
-                 kSource, field);
+                 dao::source::kDatabase, field);
     }
     default:
-      dao::Raise(DaoError::kDuplicateKey, kSource, detail);
+      dao::Raise(DaoError::kDuplicateKey, dao::source::kDatabase, detail);
   }
 }
 
@@ -48,34 +46,35 @@ void RaiseStorageError(sqlite3* db, int code) {
     case SQLITE_CONSTRAINT:
       RaiseBrokenConstraint(code, Detail(message));
     case SQLITE_BUSY:
-      dao::Raise(DaoError::kRecordLocked, kSource);
+      dao::Raise(DaoError::kRecordLocked, dao::source::kDatabase);
     case SQLITE_LOCKED:
-      dao::Raise(DaoError::kTableLocked, kSource, Detail(message));
+      dao::Raise(DaoError::kTableLocked, dao::source::kDatabase, Detail(message));
     case SQLITE_READONLY:
-      dao::Raise(DaoError::kReadOnly, kSource);
+      dao::Raise(DaoError::kReadOnly, dao::source::kDatabase);
     case SQLITE_FULL:
-      dao::Raise(DaoError::kDiskFull, kSource);
+      dao::Raise(DaoError::kDiskFull, dao::source::kDatabase);
     case SQLITE_IOERR:
       // The log's index, for one, finds no room without saying so.
       dao::Raise(sqlite3_system_errno(db) == ENOSPC ? DaoError::kDiskFull : DaoError::kDiskError,
-                 kSource);
+                 dao::source::kDatabase);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB: {
       const char* const file = sqlite3_db_filename(db, nullptr);
-      dao::Raise(DaoError::kNotADatabaseOrDamaged, kSource, file == nullptr ? "" : file);
+      dao::Raise(DaoError::kNotADatabaseOrDamaged, dao::source::kDatabase,
+                 file == nullptr ? "" : file);
     }
     case SQLITE_CANTOPEN:
     case SQLITE_PERM:
     case SQLITE_AUTH: {
       const char* const file = sqlite3_db_filename(db, nullptr);
-      dao::Raise(DaoError::kAccessDenied, kSource, file == nullptr ? "" : file);
+      dao::Raise(DaoError::kAccessDenied, dao::source::kDatabase, file == nullptr ? "" : file);
     }
     case SQLITE_NOMEM:
       throw std::bad_alloc();
     case SQLITE_TOOBIG:
-      dao::Raise(DaoError::kConditionOverflow, kSource);
+      dao::Raise(DaoError::kConditionOverflow, dao::source::kDatabase);
     default:
-      dao::Raise(DaoError::kReserved, kSource, message);
+      dao::Raise(DaoError::kReserved, dao::source::kDatabase, message);
   }
 }
 

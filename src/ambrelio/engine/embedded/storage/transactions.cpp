@@ -9,7 +9,6 @@ namespace {
 
 using dao::DaoError;
 
-constexpr const char* kSource = "DAO.Workspace";
 constexpr int kMostLevels = 5;
 
 }  // namespace
@@ -26,7 +25,7 @@ void Transactions::Leave(Storage& storage) {
 }
 
 void Transactions::Begin() {
-  if (level_ == kMostLevels) dao::Raise(DaoError::kTooManyTransactions, kSource);
+  if (level_ == kMostLevels) dao::Raise(DaoError::kTooManyTransactions, dao::source::kWorkspace);
   size_t begun = 0;
   try {
     for (; begun < storages_.size(); ++begun) storages_[begun]->Begin();
@@ -38,10 +37,10 @@ void Transactions::Begin() {
 }
 
 void Transactions::Commit() {
-  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, kSource);
+  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, dao::source::kWorkspace);
   // Several files cannot be committed at one stroke; at least none is when one is known to fail.
   for (const Storage* const storage : storages_) {
-    if (storage->transaction_lost()) dao::Raise(DaoError::kNoTransaction, kSource);
+    if (storage->transaction_lost()) dao::Raise(DaoError::kNoTransaction, dao::source::kWorkspace);
   }
   size_t committed = 0;
   try {
@@ -62,7 +61,7 @@ void Transactions::EndStretch() {
 }
 
 void Transactions::Rollback() {
-  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, kSource);
+  if (level_ == 0) dao::Raise(DaoError::kNoTransaction, dao::source::kWorkspace);
   for (Storage* const storage : storages_) storage->Rollback();
   --level_;
 }
