@@ -14,26 +14,14 @@ endif()
 
 enable_language(C)
 
-set(sqlite_package better-sqlite3-12.11.1)
-set(sqlite_hash ebf0ed75a7a59dbcb3b24bbd014ef49d9f15bc328e4adcbf516f2a8fadfa2835)
-set(sqlite_folder ${PROJECT_BINARY_DIR}/_sqlite)
-set(sqlite_source ${sqlite_folder}/package/deps/sqlite3)
+set(sqlite_source ${PROJECT_BINARY_DIR}/_sqlite)
 if(NOT EXISTS ${sqlite_source}/sqlite3.c)
-  find_program(NPM npm REQUIRED)
-  file(MAKE_DIRECTORY ${sqlite_folder})
-  string(REGEX REPLACE "-([0-9.]+)$" "@\\1" sqlite_name ${sqlite_package})
-  execute_process(COMMAND ${NPM} pack --silent --ignore-scripts ${sqlite_name}
-                  WORKING_DIRECTORY ${sqlite_folder} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  file(SHA256 ${sqlite_folder}/${sqlite_package}.tgz hash)
-  if(NOT hash STREQUAL sqlite_hash)
-    message(FATAL_ERROR "${sqlite_package}.tgz is not the one that was pinned: ${hash}")
-  endif()
-  file(ARCHIVE_EXTRACT INPUT ${sqlite_folder}/${sqlite_package}.tgz DESTINATION ${sqlite_folder}
-       PATTERNS package/deps/sqlite3/*)
+  execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/sqlite-source ${sqlite_source}
+                  OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 endif()
 add_library(sqlite3 STATIC ${sqlite_source}/sqlite3.c)
 target_include_directories(sqlite3 SYSTEM PUBLIC ${sqlite_source})
-target_compile_options(sqlite3 PRIVATE -O2 -w)
+target_compile_options(sqlite3 PRIVATE -w)
 target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=1 SQLITE_OMIT_LOAD_EXTENSION
                            SQLITE_DQS=0 SQLITE_DEFAULT_MEMSTATUS=0)
 add_library(SQLite::SQLite3 ALIAS sqlite3)

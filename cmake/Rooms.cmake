@@ -10,34 +10,6 @@ function(ambrelio_keep_this_system list)
   set(${list} ${${list}} PARENT_SCOPE)
 endfunction()
 
-# The standard headers that the sources of most rooms read.
-set(AMBRELIO_STANDARD_HEADERS
-    <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <set> <span>
-    <string> <string_view> <utility> <variant> <vector>)
-
-# They cost more to read than most of these sources: where it is wanted, they are read once.
-function(ambrelio_read_standard_headers)
-  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/standard_headers.cpp" "")
-  add_library(standard_headers OBJECT EXCLUDE_FROM_ALL
-              "${CMAKE_CURRENT_BINARY_DIR}/standard_headers.cpp")
-  target_link_libraries(standard_headers PRIVATE ambrelio_warnings)
-  target_compile_options(standard_headers PRIVATE ${AMBRELIO_FUZZED})
-  target_precompile_headers(standard_headers PRIVATE ${AMBRELIO_STANDARD_HEADERS})
-endfunction()
-
-# Gives a library of the project what ambrelio_read_standard_headers() has read; or, where it is
-# compiled with other options than the rest, reads them for it ALONE.
-function(ambrelio_use_standard_headers target)
-  cmake_parse_arguments(USE "ALONE" "" "" ${ARGN})
-  if(NOT AMBRELIO_PRECOMPILE)
-    return()
-  elseif(USE_ALONE)
-    target_precompile_headers(${target} PRIVATE ${AMBRELIO_STANDARD_HEADERS})
-  else()
-    target_precompile_headers(${target} REUSE_FROM standard_headers)
-  endif()
-endfunction()
-
 # A room is one folder of src/ambrelio with what it may know. Each is a library of its own, so that
 # a use that runs against the arrows of docs/architecture.md does not link; together they are
 # `ambrelio`. A room for Windows alone is empty on other systems.
@@ -55,12 +27,8 @@ function(ambrelio_room folder)
   add_library(room_${name} STATIC ${sources})
   target_include_directories(room_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_compile_options(room_${name} PRIVATE ${AMBRELIO_FUZZED} ${ROOM_OPTIONS})
-  if(ROOM_OPTIONS)
-    set(alone ALONE)
-  endif()
   target_link_libraries(room_${name} PRIVATE $<BUILD_INTERFACE:ambrelio_warnings>
                         PUBLIC ${ROOM_LINKS})
-  ambrelio_use_standard_headers(room_${name} ${alone})
   foreach(known IN LISTS ROOM_KNOWS)
     string(REPLACE "/" "_" known_name "${known}")
     target_link_libraries(room_${name} PUBLIC room_${known_name})
