@@ -16,7 +16,7 @@ Variant Literal(std::string_view text) {
 
 std::string Date(std::string_view text) { return Literal(text).as<OleDate>().Iso(); }
 
-AutomationError ErrorOf(std::string_view text) {
+AutomationError LexerErrorOf(std::string_view text) {
   try {
     Tokenize(text);
   } catch (const AutomationError& error) {
@@ -93,7 +93,7 @@ TEST(Lexer, EndsANumberBeforeAnythingThatIsNoExponent) {
   EXPECT_EQ(tokens[4].text, "e");
 }
 
-TEST(Lexer, RefusesANumberBeyondDouble) { EXPECT_EQ(ErrorOf("1E400").number(), 3075); }
+TEST(Lexer, RefusesANumberBeyondDouble) { EXPECT_EQ(LexerErrorOf("1E400").number(), 3075); }
 
 TEST(Lexer, ReadsTextInEitherQuote) {
   EXPECT_EQ(Literal("'abc'"), Variant("abc"));
@@ -168,30 +168,30 @@ TEST(DateLiteral, RefusesWhatIsNoDate) {
         "#1:60#",     "#1:2:60#",     "#5#",        "#13 pm#",     "#0:30 am#",
         "#1:2 xm#",   "#1:2 pm x#",   "#1/2-2003#", "#-1/2/2003#", "#1/2/99999999999#",
         "#ORG#",      "#1/2/2003 8:#"}) {
-    EXPECT_EQ(ErrorOf(text).number(), 3075) << text;
+    EXPECT_EQ(LexerErrorOf(text).number(), 3075) << text;
   }
 }
 
 TEST(Lexer, RefusesWhatIsNotClosed) {
   for (const char* text : {"'abc", "'abc''", "\"abc'", "[abc", "`abc", "#1/2/2003", "a '"}) {
-    EXPECT_EQ(ErrorOf(text).number(), 3075) << text;
+    EXPECT_EQ(LexerErrorOf(text).number(), 3075) << text;
   }
 }
 
 TEST(Lexer, RefusesAnEmptyQuotedName) {
-  EXPECT_EQ(ErrorOf("[]").number(), 3075);
-  EXPECT_EQ(ErrorOf("``").number(), 3075);
+  EXPECT_EQ(LexerErrorOf("[]").number(), 3075);
+  EXPECT_EQ(LexerErrorOf("``").number(), 3075);
 }
 
 TEST(Lexer, RefusesCharactersThatBeginNothing) {
   for (const char* text : {"?", "@a", "$", "{", "}", "|", "~", "]", ":", "%", "\x01"}) {
-    EXPECT_EQ(ErrorOf(text).number(), 3075) << text;
+    EXPECT_EQ(LexerErrorOf(text).number(), 3075) << text;
   }
-  EXPECT_EQ(ErrorOf(std::string_view("a\0b", 3)).number(), 3075);
+  EXPECT_EQ(LexerErrorOf(std::string_view("a\0b", 3)).number(), 3075);
 }
 
 TEST(Lexer, TellsWhereTheFaultIs) {
-  const AutomationError error = ErrorOf("select a from t where b = 'unclosed");
+  const AutomationError error = LexerErrorOf("select a from t where b = 'unclosed");
   EXPECT_EQ(error.source(), "DAO.Database");
   EXPECT_NE(error.description().find("'unclosed"), std::string::npos) << error.description();
 }
@@ -199,21 +199,21 @@ TEST(Lexer, TellsWhereTheFaultIs) {
 TEST(Lexer, CutsTheTextOfAnErrorAtTheEndOfACharacter) {
   std::string text = "@ ";
   for (int i = 0; i < 40; ++i) text += "ñ";
-  const std::string description = ErrorOf(text).description();
+  const std::string description = LexerErrorOf(text).description();
   EXPECT_NE(description.find("ñ"), std::string::npos);
   EXPECT_EQ(description.find("\xC3'"), std::string::npos);
 }
 
 TEST(Lexer, AcceptsTheLongestStatementAndNoLonger) {
   const std::string longest = "'" + std::string(64 * 1024 - 2, 'x') + "'";
-  EXPECT_EQ(ErrorOf(longest).number(), 0);
-  EXPECT_EQ(ErrorOf(longest + " ").number(), 3075);
+  EXPECT_EQ(LexerErrorOf(longest).number(), 0);
+  EXPECT_EQ(LexerErrorOf(longest + " ").number(), 3075);
 }
 
 TEST(Lexer, CountsCharactersAndNotBytes) {
   std::string text = "'";
   for (int i = 0; i < 40000; ++i) text += "ñ";
-  EXPECT_EQ(ErrorOf(text + "'").number(), 0);
+  EXPECT_EQ(LexerErrorOf(text + "'").number(), 0);
 }
 
 }  // namespace
