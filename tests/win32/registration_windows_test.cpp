@@ -83,22 +83,6 @@ TEST_F(RegistrationTest, OfTheMachineLetsClientsCreateByName) {
   EXPECT_EQ(::LoadRegTypeLib(library_id, 1, 0, 0, library.Receive()), S_OK);
 }
 
-// Such a client gets a proxy; the object lives on a thread that automation runs for it.
-TEST_F(RegistrationTest, ServesClientsOfTheMultithreadedApartment) {
-  ASSERT_EQ(dll.Install(true, nullptr), S_OK);
-  const test::MillFolder mill;
-  std::thread([&] {
-    ASSERT_EQ(::CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-    {
-      const com::LateBound root(com::CreateObject("Ambrelio.Trazabilidad"));
-      root.Call("Constructor", {mill.path(), false});
-      EXPECT_EQ(root.Call("MaximoTolvas"), Variant(int16_t{4}));
-      root.Call("Cerrar");
-    }
-    ::CoUninitialize();
-  }).join();
-}
-
 TEST_F(RegistrationTest, IsTakenAwayWhole) {
   ASSERT_EQ(dll.Install(true, nullptr), S_OK);
   ASSERT_EQ(dll.Install(false, nullptr), S_OK);
@@ -118,9 +102,8 @@ TEST_F(RegistrationTest, OfTheUserWritesTheUsersEntries) {
   EXPECT_EQ(Read(HKEY_CURRENT_USER, "Ambrelio.Trazabilidad\\CLSID"), std::nullopt);
 }
 
-// Regsvr32 with these options; its exit code.
-DWORD Regsvr32(const std::wstring& options) {
-  std::wstring command = L"regsvr32.exe /s " + options + L" \"" + ServerDll::Path() + L"\"";
+// The exit code of a program.
+DWORD ExitCodeOf(std::wstring command) {
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process{};
@@ -134,6 +117,37 @@ DWORD Regsvr32(const std::wstring& options) {
   ::CloseHandle(process.hThread);
   ::CloseHandle(process.hProcess);
   return code;
+}
+
+DWORD Regsvr32(const std::wstring& options) {
+  return ExitCodeOf(L"regsvr32.exe /s " + options + L" \"" + ServerDll::Path() + L"\"");
+}
+
+// Such a client gets a proxy; the object lives on a thread that automation runs for it.
+TEST(MultithreadedClient, DISABLED_CallsThroughAProxy) {
+  const test::MillFolder mill;
+  std::thread([&] {
+    ASSERT_EQ(::CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    {
+      const com::LateBound root(com::CreateObject("Ambrelio.Trazabilidad"));
+      root.Call("Constructor", {mill.path(), false});
+      EXPECT_EQ(root.Call("MaximoTolvas"), Variant(int16_t{4}));
+      root.Call("Cerrar");
+    }
+    ::CoUninitialize();
+  }).join();
+}
+
+// In a process of its own: Wine never releases the class that it asks for on that thread, and other
+// tests look whether the DLL can go.
+TEST_F(RegistrationTest, ServesClientsOfTheMultithreadedApartment) {
+  ASSERT_EQ(dll.Install(true, nullptr), S_OK);
+  wchar_t program[MAX_PATH];
+  ::GetModuleFileNameW(nullptr, program, MAX_PATH);
+  EXPECT_EQ(ExitCodeOf(std::wstring(L"\"") + program +
+                       L"\" --gtest_brief=1 --gtest_also_run_disabled_tests "
+                       L"--gtest_filter=MultithreadedClient.*"),
+            0U);
 }
 
 TEST_F(RegistrationTest, IsDoneByRegsvr32) {
