@@ -111,8 +111,9 @@ Report ListReport(std::string_view class_name, std::string_view member, const Va
 }
 
 Report HistoryReport(std::string_view member, const Variant& list) {
-  if (member == "HistoriaDescargas")
+  if (member == "HistoriaDescargas") {
     return Select(ListReport(kRoot, member, list), {0, 1, 2, 3, 4});
+  }
   if (member == "HistoriaNiveles") return Select(ListReport(kRoot, member, list), {0, 1, 3, 5});
   return Select(ListReport(kRoot, member, list), {0, 1, 3, 5, 6, 7, 8, 9, 10, 11, 12, 13});
 }

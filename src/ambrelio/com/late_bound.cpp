@@ -80,8 +80,9 @@ OwnedVariant LateBound::Invoke(DISPID member, std::string_view name, WORD flags,
   // The last argument comes first. The values stay owned by `owned`.
   std::vector<VARIANT> reversed;
   reversed.reserve(arguments.size());
-  for (auto value = owned.rbegin(); value != owned.rend(); ++value)
+  for (auto value = owned.rbegin(); value != owned.rend(); ++value) {
     reversed.push_back(value->get());
+  }
 
   const bool put = (flags & DISPATCH_PROPERTYPUT) != 0;
   DISPID put_id = DISPID_PROPERTYPUT;

@@ -93,8 +93,9 @@ int32_t Field::Attributes() const {
 }
 
 void Field::SetAttributes(int32_t attributes) {
-  if (place_ == Place::kStored)
+  if (place_ == Place::kStored) {
     dao::Raise(DaoError::kFixedAfterAppend, dao::source::kField, "Attributes");
+  }
   Change("Attributes", [&](FieldInfo& info) { info.attributes = attributes; });
 }
 

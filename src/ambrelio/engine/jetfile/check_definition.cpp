@@ -98,8 +98,9 @@ class DefinitionCheck {
       if (name.index >= definition_.indexes.size()) {
         Say("the index " + name.name + " has no tree");
       }
-      if (!numbers.insert(name.number).second)
+      if (!numbers.insert(name.number).second) {
         Say("the number of index " + name.name + " is taken");
+      }
     }
   }
 

@@ -28,8 +28,9 @@ uint16_t LanguageOfNewColumns(const Header& header) {
 
 const ColumnDefinition& ColumnOf(const TableDefinition& definition, uint16_t number) {
   const ColumnDefinition* column = definition.FindColumn(number);
-  if (column == nullptr)
+  if (column == nullptr) {
     dao::Raise(DaoError::kNotInCollection, dao::source::kTableDef, std::to_string(number));
+  }
   return *column;
 }
 

@@ -12,8 +12,9 @@ Bytes FirstBytes(const std::string& path) {
   constexpr size_t kFirstBytes = 0x18;
   std::error_code ignored;
   const auto status = std::filesystem::status(FilePath(path), ignored);
-  if (!std::filesystem::exists(status))
+  if (!std::filesystem::exists(status)) {
     dao::Raise(dao::DaoError::kFileNotFound, dao::source::kWorkspace, path);
+  }
   std::ifstream file(FilePath(path), std::ios::binary);
   if (!file || !std::filesystem::is_regular_file(status)) {
     const bool held = IsHeldByAnother(path);

@@ -35,8 +35,9 @@ IndexContent ContentOf(const JetFile& file, const TableDefinition& definition,
     }
     const auto nulls = std::count_if(values.begin(), values.end(),
                                      [](const Variant& value) { return value.is_null(); });
-    if (nulls > 0 && tree.required())
+    if (nulls > 0 && tree.required()) {
       dao::Raise(DaoError::kNullInPrimaryKey, dao::source::kIndexes, name);
+    }
     if (static_cast<size_t>(nulls) == values.size() && tree.ignores_nulls()) continue;
     auto key = EncodeKey(definition, tree, values, file.format().jet4);
     if (!key) {
@@ -46,8 +47,9 @@ IndexContent ContentOf(const JetFile& file, const TableDefinition& definition,
                  "the order of its column, or is too long.");
     }
     const bool is_new = content.keys.insert(*key).second;
-    if (!is_new && nulls == 0 && tree.unique())
+    if (!is_new && nulls == 0 && tree.unique()) {
       dao::Raise(DaoError::kDuplicateKey, dao::source::kIndexes, name);
+    }
     content.entries.push_back({std::move(*key), reader.identity()});
   }
   return content;
@@ -80,8 +82,9 @@ void DropIndex(JetFile& file, uint32_t table, std::string_view name, OleDate now
   const CatalogueObject object = UserTable(file, table);
   TableDefinition definition = ReadDefinition(file, table);
   const IndexName* found = FindIndexName(definition, name);
-  if (found == nullptr)
+  if (found == nullptr) {
     dao::Raise(DaoError::kNotInCollection, dao::source::kIndexes, std::string(name));
+  }
   if (found->side != 0) dao::Raise(DaoError::kInRelationship, dao::source::kIndexes, found->name);
   const uint32_t tree = found->index;
   auto& names = definition.index_names;

@@ -161,8 +161,9 @@ void IndexTree::WalkFrom(IndexPage leaf,
     if (leaf.next == 0) return;
     const uint32_t before = leaf.number;
     leaf = ReadIndexPage(file_, leaf.next);
-    if (!leaf.leaf)
+    if (!leaf.leaf) {
       throw Damage({leaf.number, 0}, "a leaf is expected behind page " + std::to_string(before));
+    }
   }
   FailIndexCircle(leaf.number);
 }

@@ -17,8 +17,9 @@ void CheckLength(const ColumnDefinition& column, const Variant& value) {
   } else if (column.type == ColumnType::kBinary || column.type == ColumnType::kLongBinary) {
     length = value.as<std::string>().size();
   }
-  if (length > column.length)
+  if (length > column.length) {
     dao::Raise(dao::DaoError::kTextTooLong, dao::source::kRecordset, column.name);
+  }
 }
 
 }  // namespace

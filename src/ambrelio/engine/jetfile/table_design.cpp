@@ -146,8 +146,9 @@ uint16_t DesignColumn(TableDefinition& definition, const NewColumn& column, uint
   if (!length || second_autonumber) {
     dao::Raise(DaoError::kInvalidFieldType, dao::source::kTableDef, column.name);
   }
-  if (definition.column_mark >= kMostColumns)
+  if (definition.column_mark >= kMostColumns) {
     dao::Raise(DaoError::kTooManyFields, dao::source::kTableDef);
+  }
 
   ColumnDefinition made;
   made.name = column.name;
@@ -207,8 +208,9 @@ IndexDefinition DesignIndex(const TableDefinition& definition, const NewIndex& i
     }
     tree.slots.at(i) = {column->number, static_cast<uint8_t>(ascending ? 1 : 0)};
   }
-  if (index.columns.empty())
+  if (index.columns.empty()) {
     dao::Raise(DaoError::kUnknownIndexField, dao::source::kTableDef, index.name);
+  }
   return tree;
 }
 

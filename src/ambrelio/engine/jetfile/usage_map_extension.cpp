@@ -34,8 +34,9 @@ void UsageMapExtension::Reach(uint32_t page) {
       rows.Save(file_);
       return;
     }
-    for (const uint32_t present : PagesOfInlineMap(row))
+    for (const uint32_t present : PagesOfInlineMap(row)) {
       bitmaps[BitmapOf(present)].push_back(present);
+    }
     StartReferences(rows);
   }
   bitmaps[BitmapOf(page)];

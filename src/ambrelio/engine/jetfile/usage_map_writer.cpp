@@ -27,8 +27,9 @@ std::optional<BitPlace> FindBit(const JetFile& file, RowPointer map, uint32_t nu
   if (row.U8(0) == UsageMapLayout::kInline) {
     const uint32_t start = row.U32(UsageMapLayout::kStartAt);
     const size_t bit = number - start;
-    if (number < start || bit / 8 >= row.size() - UsageMapLayout::kInlineBitsAt)
+    if (number < start || bit / 8 >= row.size() - UsageMapLayout::kInlineBitsAt) {
       return std::nullopt;
+    }
     return BitPlace{row.PlaceOf(UsageMapLayout::kInlineBitsAt + bit / 8),
                     static_cast<uint8_t>(1U << (bit % 8))};
   }

@@ -152,8 +152,9 @@ Source Binding::FlattenQuery(const sql::Query& query, const std::string& name, S
   }
   const Scope* outside = scope_;
   scope_ = &inside;
-  if (tree.where)
+  if (tree.where) {
     condition = bound::MakeAnd(std::move(condition), BindExpr(*tree.where, Place::kWhere));
+  }
   BindItems(tree.items, inside, *inner);
   scope_ = outside;
   if (saw_aggregate_) Fail(DaoError::kNotUpdatable);

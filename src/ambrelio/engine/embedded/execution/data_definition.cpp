@@ -127,8 +127,9 @@ std::vector<IndexInfo> IndexesOf(const sql::ColumnDefinition& column) {
 void RequireIndex(CatalogueStore& catalogue, const std::string& table, const std::string& index) {
   const TableInfo* found = catalogue.Current().FindTable(table);
   if (found == nullptr) dao::Raise(DaoError::kUnknownTable, dao::source::kDatabase, table);
-  if (found->FindIndex(index) == nullptr)
+  if (found->FindIndex(index) == nullptr) {
     dao::Raise(DaoError::kNoSuchIndex, dao::source::kDatabase, index);
+  }
 }
 
 }  // namespace

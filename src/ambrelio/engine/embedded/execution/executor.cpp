@@ -113,8 +113,9 @@ class Executor::Impl {
     const std::string& sql = SelectText(source, catalogue, of_name);
     sql::Shape shape = sql::ShapeOf(sql);
     const sql::Statement statement = sql::Parse(sql);
-    if (IsDefinition(statement))
+    if (IsDefinition(statement)) {
       dao::Raise(DaoError::kInvalidStatement, dao::source::kDatabase, sql);
+    }
     const PreparationGround ground = Ground(catalogue, shape);
     const Preparation preparation = std::holds_alternative<sql::Query>(statement)
                                         ? PrepareQuery(statement, ground, /*as_snapshot=*/false)

@@ -121,8 +121,9 @@ class DatePrinter {
 
   std::string Day(size_t length) const {
     constexpr size_t kShortDate = 5;
-    if (length < kShortDate)
+    if (length < kShortDate) {
       return NumberOrName(civil_.day, length, kDays[Index(WeekdayOf(date_))]);
+    }
     CivilTime day = civil_;
     day.hour = day.minute = day.second = 0;
     return ToText(Variant(OleDate::FromCivil(day).value_or(date_)));

@@ -28,8 +28,9 @@ FieldInfo FieldOf(const JetFile& file, const ColumnDefinition& column,
   FieldInfo field;
   field.name = column.name;
   field.type = *FieldTypeOf(column.type);
-  if (column.type == ColumnType::kText)
+  if (column.type == ColumnType::kText) {
     field.size = file.format().jet4 ? column.length / 2 : column.length;
+  }
   field.position = static_cast<int16_t>(column.ordinal);
   field.attributes = column.autonumber() ? dao::kAutoIncrement : 0;
   field.required = properties.Flag(column.name, "Required");

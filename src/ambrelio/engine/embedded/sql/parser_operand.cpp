@@ -84,8 +84,9 @@ ExprPtr Parser::ParseCall() {
   expr->star = tokens_.TakeSymbol("*");
   if (!expr->star && !tokens_.AtSymbol(")")) {
     expr->distinct = tokens_.TakeWord("distinct");
-    for (ExprPtr& argument : ParseExpressionList(kExpressionError))
+    for (ExprPtr& argument : ParseExpressionList(kExpressionError)) {
       AddOperand(*expr, std::move(argument));
+    }
   }
   tokens_.ExpectSymbol(")", kExpressionError);
   return expr;

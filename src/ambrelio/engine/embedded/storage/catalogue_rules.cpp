@@ -68,8 +68,9 @@ void CheckFieldName(const TableInfo& table, const FieldInfo& field) {
   // The rows of a table need a name for their number that no field has.
   TableInfo grown = table;
   grown.fields.push_back(field);
-  if (RowIdName(grown).empty())
+  if (RowIdName(grown).empty()) {
     dao::Raise(DaoError::kInvalidName, dao::source::kFields, field.name);
+  }
 }
 
 }  // namespace
@@ -122,16 +123,18 @@ IndexInfo CheckedIndex(const TableInfo& table, const IndexInfo& index) {
   if (index.primary && table.PrimaryKey() != nullptr) {
     dao::Raise(DaoError::kPrimaryKeyExists, dao::source::kIndexes, table.name);
   }
-  if (index.columns.empty())
+  if (index.columns.empty()) {
     dao::Raise(DaoError::kNothingDefined, dao::source::kIndexes, index.name);
+  }
   IndexInfo checked = index;
   checked.unique = index.unique || index.primary;
   checked.required = index.required || index.primary;
   checked.columns.clear();
   for (const IndexColumn& column : index.columns) {
     const FieldInfo* const field = table.FindField(column.name);
-    if (field == nullptr)
+    if (field == nullptr) {
       dao::Raise(DaoError::kUnknownIndexField, dao::source::kIndexes, column.name);
+    }
     for (const IndexColumn& other : checked.columns) {
       if (other.name == field->name) {
         dao::Raise(DaoError::kNameInCollection, dao::source::kIndexes, column.name);
@@ -144,8 +147,9 @@ IndexInfo CheckedIndex(const TableInfo& table, const IndexInfo& index) {
 
 TableInfo CheckedTable(const TableInfo& table) {
   CheckName(table.name);
-  if (table.fields.empty())
+  if (table.fields.empty()) {
     dao::Raise(DaoError::kNothingDefined, dao::source::kTableDefs, table.name);
+  }
   TableInfo checked;
   checked.name = table.name;
   for (const FieldInfo& field : table.fields) {

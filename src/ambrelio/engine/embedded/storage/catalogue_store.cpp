@@ -88,8 +88,9 @@ void CatalogueStore::ChangeTable(std::string_view name,
 }
 
 void CatalogueStore::MakeKeptIndexes() {
-  if (storage_.read_only() || storage_.backed() || !IsAnyMissing(storage_, Current(), kept_))
+  if (storage_.read_only() || storage_.backed() || !IsAnyMissing(storage_, Current(), kept_)) {
     return;
+  }
   try {
     TransactionLevel level(storage_);
     MakeMissing(storage_, Current(), kept_);

@@ -58,8 +58,9 @@ std::string PasswordOf(std::string_view connect) {
 }
 
 void CheckNewPassword(const std::string& password) {
-  if (Utf8Length(password) > kMostCharacters)
+  if (Utf8Length(password) > kMostCharacters) {
     dao::Raise(DaoError::kWrongPassword, dao::source::kWorkspace);
+  }
 }
 
 void SetPassword(CatalogueStore& catalogue, const std::string& password) {

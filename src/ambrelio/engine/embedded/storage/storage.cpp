@@ -254,8 +254,9 @@ void Storage::Begin() {
 // knows nothing of.
 void Storage::Commit() {
   SettleReads();
-  if (level_ == 0 || transaction_lost())
+  if (level_ == 0 || transaction_lost()) {
     dao::Raise(DaoError::kNoTransaction, dao::source::kWorkspace);
+  }
   if (level_ > 1) {
     RunKept("release " + Savepoint(level_));
   } else {

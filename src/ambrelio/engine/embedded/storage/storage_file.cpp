@@ -65,10 +65,12 @@ int32_t NumberAt(std::string_view header, size_t place) {
 }
 
 void CheckHeader(std::string_view header, const std::string& path) {
-  if (!header.starts_with(kSqliteMark))
+  if (!header.starts_with(kSqliteMark)) {
     dao::Raise(DaoError::kUnrecognisedFormat, dao::source::kWorkspace, path);
-  if (header.size() < kHeaderSize)
+  }
+  if (header.size() < kHeaderSize) {
     dao::Raise(DaoError::kNotADatabaseOrDamaged, dao::source::kWorkspace, path);
+  }
   if (NumberAt(header, kApplicationAt) != kApplicationId ||
       NumberAt(header, kVersionAt) > kFormatVersion) {
     dao::Raise(DaoError::kUnrecognisedFormat, dao::source::kWorkspace, path);
@@ -84,8 +86,9 @@ void CheckDatabaseFile(const std::string& path) {
   if (status.type() == fs::file_type::not_found) {
     dao::Raise(DaoError::kFileNotFound, dao::source::kWorkspace, path);
   }
-  if (status.type() != fs::file_type::regular)
+  if (status.type() != fs::file_type::regular) {
     dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, path);
+  }
   const std::optional<std::string> header = ReadHeader(path);
   if (!header) {
     dao::Raise(IsHeldByAnother(path) ? DaoError::kFileInUse : DaoError::kAccessDenied,
@@ -107,14 +110,16 @@ bool CompanionExists(const std::string& path, const char* suffix) {
 void CreateWhole(const std::string& path, const std::function<void(const std::string&)>& write) {
   CheckFolder(path);
   for (const char* const suffix : {"", kLog}) {
-    if (CompanionExists(path, suffix))
+    if (CompanionExists(path, suffix)) {
       dao::Raise(DaoError::kDatabaseExists, dao::source::kWorkspace, path + suffix);
+    }
   }
   const UnfinishedFile file(path, {kLog, "-shm", "-journal"});
   write(file.path());
   const std::error_code error = file.TakePlace();
-  if (error == std::errc::file_exists)
+  if (error == std::errc::file_exists) {
     dao::Raise(DaoError::kDatabaseExists, dao::source::kWorkspace, path);
+  }
   if (error) dao::Raise(DaoError::kAccessDenied, dao::source::kWorkspace, path);
 }
 
