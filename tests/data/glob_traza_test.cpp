@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "support/mill.h"
+#include "support/sent.h"
 
 namespace ambrelio::data {
 namespace {
@@ -15,7 +16,6 @@ using GlobTraza = test::MillTest;
 const char kInsertFirst[] =
     "insert into Descargas (Tolva, Descarga, MomentoDesde, MomentoHasta, Deposito, Fraccion) "
     "values (3, 1, #11/15/2026 8:0:0#, Null, 0, Null) ";
-const char kSelectLast[] = "select * from Descargas where (Tolva=3) order by Descarga ";
 
 TEST_F(GlobTraza, InsertsAnOpenFirstDischarge) {
   EXPECT_THAT(Sent([&] { EXPECT_TRUE(InsertFirstDischarge(session, 3)); }),

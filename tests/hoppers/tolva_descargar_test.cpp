@@ -1,8 +1,8 @@
 #include <limits>
 
 #include "ambrelio/hoppers/tolva.h"
-#include "hoppers/sent.h"
 #include "support/mill.h"
+#include "support/sent.h"
 
 namespace ambrelio {
 namespace {

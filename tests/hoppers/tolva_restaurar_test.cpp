@@ -1,6 +1,6 @@
 #include "ambrelio/hoppers/tolva.h"
-#include "hoppers/sent.h"
 #include "support/mill.h"
+#include "support/sent.h"
 
 namespace ambrelio {
 namespace {

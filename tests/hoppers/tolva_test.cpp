@@ -2,8 +2,8 @@
 #include "ambrelio/hoppers/tolva.h"
 
 #include "ambrelio/hoppers/descarga.h"
-#include "hoppers/sent.h"
 #include "support/mill.h"
+#include "support/sent.h"
 
 namespace ambrelio {
 namespace {

@@ -1,7 +1,6 @@
 #include "ambrelio/engine/jetfile/damage.h"
 
 namespace ambrelio::jetfile {
-namespace {}  // namespace
 
 Damage::Damage(Place place, const std::string& what)
     : AutomationError(static_cast<int>(dao::DaoError::kNotADatabaseOrDamaged),

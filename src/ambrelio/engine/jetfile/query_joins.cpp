@@ -67,8 +67,7 @@ const char* JoinWord(const QueryRow& join) {
 }
 
 bool SamePair(const QueryRow& a, const QueryRow& b) {
-  return a.flag == b.flag && UpperCase(a.name1) == UpperCase(b.name1) &&
-         UpperCase(a.name2) == UpperCase(b.name2);
+  return a.flag == b.flag && SameText(a.name1, b.name1) && SameText(a.name2, b.name2);
 }
 
 // The rows of one pair of tables are conditions that all must hold. The last stands first, as in
